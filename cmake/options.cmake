@@ -1,0 +1,18 @@
+# Flags of every target of our own.
+add_library(av_options INTERFACE)
+target_include_directories(av_options INTERFACE ${CMAKE_SOURCE_DIR})
+target_compile_options(av_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wold-style-cast -Wundef
+  -Werror
+  # Contracted multiply-adds would change result bits between builds.
+  -ffp-contract=off
+  -fvisibility=hidden)
+if(AV_SANITIZE)
+  target_compile_options(av_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(av_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(WIN32)
+  # Windows 7 interfaces and wide functions throughout.
+  target_compile_definitions(av_options INTERFACE
+    UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT WINVER=0x0601 _WIN32_WINNT=0x0601 _WIN32_IE=0x0800)
+endif()

@@ -1,0 +1,1 @@
+// Keeps the archive from being empty until the first real source stands here.
