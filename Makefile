@@ -1,0 +1,58 @@
+# Every target installs the Debian packages that it needs and this machine lacks (as root or with sudo; otherwise it
+# prints the line to run). The work itself is done by CMake presets and the scripts in tools/.
+
+SHELL := /bin/bash
+.DEFAULT_GOAL := help
+.PHONY: help demo test test-full test-x86 build coverage lint format clean
+
+JOBS ?= $(shell nproc)
+export JOBS
+
+help:
+	@echo "make demo       pictures of the controls fed with a recording: build/demo/*.png"
+	@echo "make test       the quick tests: native, sanitizers, Windows 64-bit under Wine"
+	@echo "make test-full  all tests, the 32-bit ones too"
+	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
+	@echo "make build      the 64-bit and the 32-bit library: build/x64/bin, build/x86/bin"
+	@echo "make coverage   line and branch coverage of the portable core"
+	@echo "make lint       formatting, clang-tidy, shell scripts, include arrows"
+	@echo "make format     formats the sources"
+	@echo "make clean      removes build/"
+
+build:
+	@tools/bootstrap.sh build
+	@tools/build x64 QELAudioVisualization4
+	@tools/build x86 QELAudioVisualization4
+
+test:
+	@tools/bootstrap.sh build test
+	@tools/run-tests quick
+
+test-full:
+	@tools/bootstrap.sh build test
+	@tools/run-tests full
+
+test-x86:
+	@tools/bootstrap.sh build test
+	@tools/test-x86
+
+demo:
+	@tools/bootstrap.sh build demo
+	@tools/build x64 QELAudioVisualization4 avdemo
+	@tools/run-demo
+
+coverage:
+	@tools/bootstrap.sh coverage
+	@tools/coverage
+
+lint:
+	@tools/bootstrap.sh build lint
+	@tools/lint
+
+format:
+	@tools/bootstrap.sh lint
+	@tools/format
+
+clean:
+	@tools/wine-stop
+	rm -rf build

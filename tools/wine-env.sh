@@ -1,0 +1,50 @@
+# Sourced by tools/wine-run and tools/wine-stop: where the prefixes lie and how Wine is set up in them.
+# Expects $arch (x64 or x86); sets $root and exports what Wine reads.
+
+root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
+
+# A display of 192 DPI is a machine setting, so it gets a prefix of its own.
+dpi=${AV_DPI:-96}
+suffix=
+[ "$dpi" = 96 ] || suffix=-$dpi
+export WINEPREFIX=${AV_WINEPREFIX:-$root/build/wine-$arch$suffix}
+export WINEDEBUG=${WINEDEBUG:--all}
+# Without its debugger a crashing program ends with a failure at once; winedbg sometimes turns that into exit code 0.
+# mscoree and mshtml would ask for downloads.
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d"
+if [ "$arch" = x86 ]; then export WINEARCH=win32; else export WINEARCH=win64; fi
+unset DISPLAY WAYLAND_DISPLAY
+
+# The 32-bit Wine may live in an i386 system of its own, see tools/with-i386.
+inWine=()
+[ "$arch" = x86 ] && [ -n "${AV_I386_ACTIVE:-}" ] && inWine=(chroot "$AV_I386_ACTIVE")
+
+# The server stays for this many seconds after the last program, so that a run of many programs pays its start once.
+keepServerS=${AV_WINE_KEEP_S:-20}
+
+makePrefix() {
+  mkdir -p "$WINEPREFIX"
+  # Written before the first start, so that it already runs without a screen.
+  cat >"$WINEPREFIX/user.reg" <<REG
+WINE REGISTRY Version 2
+
+[Software\\\\Wine\\\\Drivers]
+"Graphics"="null"
+
+[Software\\\\Wine\\\\Fonts\\\\Replacements]
+"Arial"="Liberation Sans"
+
+[Software\\\\Wine\\\\WineDbg]
+"ShowCrashDialog"=dword:00000000
+
+[Control Panel\\\\Desktop]
+"LogPixels"=dword:$(printf '%08x' "$dpi")
+
+[Software\\\\Wine\\\\Fonts]
+"LogPixels"=dword:$(printf '%08x' "$dpi")
+REG
+  quietly wine wineboot -i && touch "$WINEPREFIX/.ready"
+}
+
+# Nothing that Wine leaves in the background may hold the caller's pipes open.
+quietly() { "${inWine[@]}" "$@" </dev/null >/dev/null 2>&1 9>&-; }
