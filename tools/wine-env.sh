@@ -17,7 +17,11 @@ unset DISPLAY WAYLAND_DISPLAY
 
 # The 32-bit Wine may live in an i386 system of its own, see tools/with-i386.
 inWine=()
-[ "$arch" = x86 ] && [ -n "${AV_I386_ACTIVE:-}" ] && inWine=(chroot "$AV_I386_ACTIVE")
+if [ "$arch" = x86 ] && [ -n "${AV_I386_ACTIVE:-}" ]; then
+  # The tree lies at the same path in there, so the working folder can stay.
+  # shellcheck disable=SC2016  # for the inner shell
+  inWine=(chroot "$AV_I386_ACTIVE" sh -c 'cd "$1" && shift && exec "$@"' sh "$PWD")
+fi
 
 # The server stays for this many seconds after the last program, so that a run of many programs pays its start once.
 keepServerS=${AV_WINE_KEEP_S:-20}
@@ -36,14 +40,17 @@ WINE REGISTRY Version 2
 
 [Software\\\\Wine\\\\WineDbg]
 "ShowCrashDialog"=dword:00000000
-
-[Control Panel\\\\Desktop]
-"LogPixels"=dword:$(printf '%08x' "$dpi")
-
-[Software\\\\Wine\\\\Fonts]
-"LogPixels"=dword:$(printf '%08x' "$dpi")
 REG
-  quietly wine wineboot -i && touch "$WINEPREFIX/.ready"
+  quietly wine wineboot -i || return
+  if [ "$dpi" != 96 ]; then
+    # The first start drops this value, so it comes afterwards; a new server then reads it.
+    quietly wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$dpi" /f || return
+    quietly wineserver -k
+    quietly wineserver -w
+    quietly wineserver "-p$keepServerS"
+    quietly wine wineboot || return
+  fi
+  touch "$WINEPREFIX/.ready"
 }
 
 # Nothing that Wine leaves in the background may hold the caller's pipes open.
