@@ -1,0 +1,22 @@
+#pragma once
+
+#include "gfx/geometry.h"
+
+#include <string_view>
+
+namespace av {
+
+/// How large texts come out in the font that will draw them. The platform implements it; tests use a made-up font.
+class TextMeasure {
+ public:
+  /// Width and height in pixels of an ASCII text on one line, rounded up, side bearings included.
+  virtual Size measure(std::string_view text) const = 0;
+
+ protected:
+  TextMeasure() = default;
+  TextMeasure(const TextMeasure&) = default;
+  TextMeasure& operator=(const TextMeasure&) = default;
+  ~TextMeasure() = default;
+};
+
+}  // namespace av

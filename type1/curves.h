@@ -1,0 +1,24 @@
+#pragma once
+
+#include "gfx/frame_parts.h"
+#include "type1/layout.h"
+#include "type1/settings.h"
+#include "type1/view_signal.h"
+
+namespace av::type1 {
+
+/// Appends the curves of the waveform view (type 1), one polyline a channel that holds an array.
+/// Nothing is appended when the scale spans nothing (`scaleYMax` not above `scaleYMin`).
+void addWaveforms(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal, const ViewLayout& layout);
+
+/// Appends the spectra of type 2 on the linear frequency axis, one polyline a channel that holds an array: the smoothed
+/// levels while smoothing is on. Nothing is appended when the scale spans nothing or the dynamic range is not positive.
+void addLinearSpectra(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal,
+                      const ViewLayout& layout);
+
+/// The same on the octave axis: octave o, of the bins 2^o to 2^(o+1) − 1, spans from (o + 1)·w to (o + 2)·w, w being the
+/// plot's width over one octave more than there are, so the first w pixels hold only the flat start.
+void addOctaveSpectra(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal,
+                      const ViewLayout& layout);
+
+}  // namespace av::type1
