@@ -1,0 +1,95 @@
+#pragma once
+
+#include "ole/class_info.h"
+#include "ole/in_place_active_object.h"
+#include "ole/in_place_object.h"
+#include "ole/in_place_session.h"
+#include "ole/object.h"
+#include "ole/ole_control.h"
+#include "ole/ole_object.h"
+#include "ole/persist_stream.h"
+#include "ole/view_object.h"
+
+#include <oleidl.h>
+#include <wrl/client.h>
+
+namespace av::ole {
+
+/// What the framework has to know of a control class.
+struct ControlInfo {
+  CLSID classId;
+  const wchar_t* userType;   ///< the friendly name
+  DWORD miscStatus;          ///< OLEMISC bits of the content aspect
+};
+
+/// An OLE control without its subject: site, extent, in-place activation, view, persistence of the extent. One
+/// interface family a part, each in its own file; this class holds what they share.
+///
+/// A derived control draws, handles window messages and adds its own interfaces.
+class Control : public Object, public WindowClient {
+ public:
+  // --- what a derived control provides -------------------------------------------------------------------------
+
+  /// Paints the whole control into `bounds` (pixels of `target`, mapping mode MM_TEXT). [thread of the caller]
+  virtual void draw(HDC target, const RECT& bounds) = 0;
+  /// After a verb of the in-place activation kind was handled, whatever its result. [control thread]
+  virtual void activationVerbDone() {}
+  /// The client area has a new size. [control thread]
+  virtual void resized() {}
+  /// A message of the control's window, before the framework looks at it. True: handled, `result` is the answer.
+  virtual bool handleMessage(UINT /*message*/, WPARAM /*wParam*/, LPARAM /*lParam*/, LRESULT& /*result*/) {
+    return false;
+  }
+  /// The dual interface, for class information and error information.
+  virtual REFIID dispatchInterfaceId() const noexcept = 0;
+
+  // --- what parts and derived controls share ---------------------------------------------------------------------
+
+  const ControlInfo& info() const noexcept { return m_info; }
+  IOleClientSite* clientSite() const noexcept { return m_clientSite.Get(); }
+  /// Replaces the client site; null ends the embedding.
+  void setClientSite(IOleClientSite* site);
+  InPlaceSession& inPlace() noexcept { return m_inPlace; }
+  OleObject& oleObject() noexcept { return m_oleObject; }
+
+  SIZEL extentHimetric() const noexcept { return m_extent; }
+  void setExtent(SIZEL himetric) noexcept { m_extent = himetric; }
+  bool isDirty() const noexcept { return m_dirty; }
+  void setDirty(bool dirty) noexcept { m_dirty = dirty; }
+
+  /// In-place active with a window of its own.
+  bool hasActiveWindow() const noexcept { return m_inPlace.isActive() && m_inPlace.window(); }
+  /// Draws at once into the control's own window where it has one, else asks the container to redraw.
+  void drawNow();
+  /// Asks for a later redraw: invalidates the window, or tells the view's sink that the picture has changed.
+  void requestRedraw();
+
+  LRESULT windowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
+
+ protected:
+  /// Two inches square until the container or a stream says otherwise.
+  Control(IUnknown* outer, const ControlInfo& info) noexcept;
+  ~Control() override;
+
+  void* findInterface(REFIID iid) noexcept override;
+  /// Takes window and site away. A derived control calls this in its own tearDown(), where its order of ending says so.
+  void leaveContainer() noexcept;
+
+ private:
+  const ControlInfo m_info;
+  Microsoft::WRL::ComPtr<IOleClientSite> m_clientSite;
+  SIZEL m_extent;
+  bool m_dirty = false;
+
+  InPlaceSession m_inPlace{*this};
+  OleObject m_oleObject{*this};
+  OleControl m_oleControl{*this};
+  InPlaceObject m_inPlaceObject{*this};
+  InPlaceActiveObject m_inPlaceActiveObject{*this};
+  ViewObject m_viewObject{*this};
+  PersistStream m_persistStream{*this};
+  ClassInfo m_classInfo{*this};
+  ErrorInfoSupport m_errorInfoSupport{*this};
+};
+
+}  // namespace av::ole

@@ -1,0 +1,71 @@
+#include "ole/control_window.h"
+
+#include "ole/module_instance.h"
+
+#include <cwchar>
+#include <iterator>
+
+namespace av::ole {
+
+namespace {
+
+// The name carries the module's address: a second copy of the DLL in one process has a class of its own.
+struct ClassName {
+  wchar_t text[64];
+  ClassName() noexcept {
+    std::swprintf(text, std::size(text), L"QELAudioVisualization4.Control.%p", static_cast<void*>(moduleInstance()));
+  }
+};
+
+const wchar_t* className() noexcept {
+  static const ClassName name;
+  return name.text;
+}
+
+}  // namespace
+
+bool ControlWindow::create(HWND parent, const RECT& position, WindowClient& client) noexcept {
+  WNDCLASSEXW windowClass{};
+  windowClass.cbSize = sizeof windowClass;
+  // Double clicks are part of the mouse events; a resize repaints everything, since the picture scales with the size.
+  windowClass.style = CS_DBLCLKS | CS_HREDRAW | CS_VREDRAW;
+  windowClass.lpfnWndProc = procedure;
+  windowClass.hInstance = moduleInstance();
+  windowClass.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // IDC_ARROW
+  windowClass.lpszClassName = className();
+  if (!RegisterClassExW(&windowClass) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return false;
+
+  m_client = &client;
+  CreateWindowExW(0, className(), nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, position.left,
+                  position.top, position.right - position.left, position.bottom - position.top, parent, nullptr,
+                  moduleInstance(), this);
+  if (!m_window) m_client = nullptr;
+  return m_window != nullptr;
+}
+
+void ControlWindow::destroy() noexcept {
+  m_client = nullptr;
+  if (m_window) DestroyWindow(m_window);
+}
+
+LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
+  if (message == WM_NCCREATE) {
+    auto* self = static_cast<ControlWindow*>(reinterpret_cast<CREATESTRUCTW*>(lParam)->lpCreateParams);
+    self->m_window = window;
+    SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(self));
+  }
+  auto* self = reinterpret_cast<ControlWindow*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+  if (!self) return DefWindowProcW(window, message, wParam, lParam);
+  if (message == WM_NCDESTROY) {
+    SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    self->m_window = nullptr;
+    self->m_client = nullptr;
+    return DefWindowProcW(window, message, wParam, lParam);
+  }
+  return self->m_client ? self->m_client->windowMessage(window, message, wParam, lParam)
+                        : DefWindowProcW(window, message, wParam, lParam);
+}
+
+void unregisterControlWindowClass() noexcept { UnregisterClassW(className(), moduleInstance()); }
+
+}  // namespace av::ole

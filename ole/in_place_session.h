@@ -1,0 +1,54 @@
+#pragma once
+
+#include "ole/control_window.h"
+
+#include <oleidl.h>
+#include <wrl/client.h>
+
+namespace av::ole {
+
+class Control;
+
+/// The conversation with an in-place site: from activation to deactivation, with the control's own child window.
+/// All of it runs on the control thread. The container may do anything inside a call that it is given, also close or
+/// release the control; after each such call the session looks at its own state again.
+class InPlaceSession {
+ public:
+  explicit InPlaceSession(Control& control) noexcept : m_control(control) {}
+
+  /// Activates in place (and the user interface, if asked): makes the window, or shows it if it was hidden.
+  /// Without a client site nothing happens and the result is S_OK; a site that is no in-place site, or says that it
+  /// cannot, gives a failure.
+  HRESULT activate(bool userInterface);
+  HRESULT activateUserInterface();
+  HRESULT deactivate();
+  HRESULT deactivateUserInterface();
+  HRESULT hide();
+  /// `position`, `clip`: pixels of the parent's client area.
+  HRESULT setObjectRects(const RECT& position, const RECT& clip);
+
+  bool isActive() const noexcept { return m_active; }
+  bool isUserInterfaceActive() const noexcept { return m_userInterfaceActive; }
+  HWND window() const noexcept { return m_window.handle(); }
+  IOleInPlaceSite* site() const noexcept { return m_site.Get(); }
+  const RECT& position() const noexcept { return m_position; }
+
+  /// Drops window and site without a word to the container: for the control's end.
+  void abandon() noexcept;
+
+ private:
+  HRESULT enter(IOleClientSite& client);
+  HRESULT fail(HRESULT reason);
+
+  Control& m_control;
+  Microsoft::WRL::ComPtr<IOleInPlaceSite> m_site;
+  Microsoft::WRL::ComPtr<IOleInPlaceFrame> m_frame;
+  Microsoft::WRL::ComPtr<IOleInPlaceUIWindow> m_document;
+  ControlWindow m_window;
+  RECT m_position{};
+  bool m_active = false;
+  bool m_userInterfaceActive = false;
+  bool m_clipped = false;  // the window carries a region
+};
+
+}  // namespace av::ole
