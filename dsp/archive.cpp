@@ -1,1 +1,0 @@
-// Keeps the archive from being empty until the first real source stands here.
