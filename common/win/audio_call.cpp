@@ -8,6 +8,13 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
+// The reference that _com_error hands out, adopted. (MinGW's ComPtr::Attach() would add one more.)
+ComPtr<IErrorInfo> errorInfoOf(const _com_error& error) noexcept {
+  ComPtr<IErrorInfo> info;
+  *info.GetAddressOf() = error.ErrorInfo();
+  return info;
+}
+
 class ScopedVariant {
  public:
   ScopedVariant() noexcept { VariantInit(&value); }
@@ -42,8 +49,7 @@ HRESULT describe(const _com_error& error, EXCEPINFO* exception) noexcept {
   if (exception == nullptr) return DISP_E_EXCEPTION;
   *exception = {};
   exception->scode = error.Error();
-  ComPtr<IErrorInfo> info;
-  info.Attach(error.ErrorInfo());
+  const ComPtr<IErrorInfo> info = errorInfoOf(error);
   if (info != nullptr) {
     info->GetDescription(&exception->bstrDescription);
     info->GetSource(&exception->bstrSource);
@@ -58,9 +64,7 @@ HRESULT describe(const _com_error& error, EXCEPINFO* exception) noexcept {
 }  // namespace
 
 HRESULT returnHostError(const _com_error& error) noexcept {
-  ComPtr<IErrorInfo> info;
-  info.Attach(error.ErrorInfo());
-  SetErrorInfo(0, info.Get());
+  SetErrorInfo(0, errorInfoOf(error).Get());
   return error.Error();
 }
 
