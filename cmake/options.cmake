@@ -11,6 +11,11 @@ if(AV_SANITIZE)
   target_compile_options(av_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(av_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(AV_COVERAGE)
+  # Unoptimised, so that each line and branch of the source is one of the program.
+  target_compile_options(av_options INTERFACE --coverage -O0 -g)
+  target_link_options(av_options INTERFACE --coverage)
+endif()
 if(WIN32)
   # Windows 7 interfaces and wide functions throughout.
   target_compile_definitions(av_options INTERFACE

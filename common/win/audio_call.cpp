@@ -8,13 +8,6 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
-// The reference that _com_error hands out, adopted. (MinGW's ComPtr::Attach() would add one more.)
-ComPtr<IErrorInfo> errorInfoOf(const _com_error& error) noexcept {
-  ComPtr<IErrorInfo> info;
-  *info.GetAddressOf() = error.ErrorInfo();
-  return info;
-}
-
 class ScopedVariant {
  public:
   ScopedVariant() noexcept { VariantInit(&value); }
@@ -49,7 +42,8 @@ HRESULT describe(const _com_error& error, EXCEPINFO* exception) noexcept {
   if (exception == nullptr) return DISP_E_EXCEPTION;
   *exception = {};
   exception->scode = error.Error();
-  const ComPtr<IErrorInfo> info = errorInfoOf(error);
+  ComPtr<IErrorInfo> info;
+  info.Attach(error.ErrorInfo());
   if (info != nullptr) {
     info->GetDescription(&exception->bstrDescription);
     info->GetSource(&exception->bstrSource);
@@ -64,7 +58,9 @@ HRESULT describe(const _com_error& error, EXCEPINFO* exception) noexcept {
 }  // namespace
 
 HRESULT returnHostError(const _com_error& error) noexcept {
-  SetErrorInfo(0, errorInfoOf(error).Get());
+  ComPtr<IErrorInfo> info;
+  info.Attach(error.ErrorInfo());
+  SetErrorInfo(0, info.Get());
   return error.Error();
 }
 
