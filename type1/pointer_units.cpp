@@ -15,7 +15,7 @@ int xValueAt(const ViewSettings& settings, std::uint32_t sampleRateHz, const Vie
   const double nyquistHz = static_cast<double>(sampleRateHz) / 1000 * 500;
   if (settings.fftViewType == 1) return truncToInt(nyquistHz * x / plotWidth + 0.5);
   // log2(N), one octave more than the curve has: hosts know the reading so.
-  const double octavesBelowNyquist = (plotWidth - x) * std::log2(settings.fftWindowSize) / plotWidth;
+  const double octavesBelowNyquist = (plotWidth - x) * std::log2(int{settings.fftWindowSize}) / plotWidth;
   return truncToInt(nyquistHz / std::pow(2.0, octavesBelowNyquist) + 0.5);
 }
 
