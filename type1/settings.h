@@ -2,8 +2,8 @@
 
 #include "common/property_rule.h"
 #include "common/relaxed.h"
-#include "common/truncate.h"
 #include "gfx/argb.h"
+#include "gfx/saturate.h"
 
 #include <array>
 #include <cstdint>
@@ -100,7 +100,7 @@ inline constexpr BoolRule gridVisible{
 inline constexpr ViewRule<std::int32_t, Relaxed<double>> dynamicRange{
     {"DynamicRange", 30, relayoutAndRedraw},
     &ViewSettings::dynamicRangeDb,
-    {[](std::int32_t decibels) { return static_cast<double>(decibels); }, truncateToInt32}};
+    {[](std::int32_t decibels) { return static_cast<double>(decibels); }, truncToInt}};
 inline constexpr LongRule borderType{
     {"BorderType", 31, Effects::redraw}, &ViewSettings::borderType, plainCodec<std::int32_t>};
 /// The stored value is the rounded one. No relayout.

@@ -1,6 +1,6 @@
 #include "type1/smoothing.h"
 
-#include "common/truncate.h"
+#include "gfx/saturate.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,7 +18,7 @@ bool smoothToward(std::span<const double> analysis, std::span<double> display) n
     if (d < a) d = d + (a - d) * 0.5;
     if (d > a) d = d - (d - a) * 0.25;
     display[i] = d;
-    if (truncateToInt32(d) != truncateToInt32(a)) converged = false;
+    if (truncToInt(d) != truncToInt(a)) converged = false;
   }
   return converged;
 }
