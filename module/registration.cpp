@@ -1,5 +1,7 @@
 #include "module/registration.h"
 
+#include <windows.h>
+
 #include <oleauto.h>
 #include <wrl/client.h>
 
