@@ -41,6 +41,8 @@ WINE REGISTRY Version 2
 [Software\\\\Wine\\\\WineDbg]
 "ShowCrashDialog"=dword:00000000
 REG
+  # A server that starts before the file is there would write its own over it.
+  quietly wineserver "-p$keepServerS"
   quietly wine wineboot -i || return
   if [ "$dpi" != 96 ]; then
     # The first start drops this value, so it comes afterwards; a new server then reads it.
