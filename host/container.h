@@ -247,6 +247,11 @@ class Container {
       SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(container));
       container->m_window = window;
     }
+    if (message == WM_GETMINMAXINFO) {  // comes before WM_NCCREATE too
+      // The host decides the size; the system would stop it at the screen's.
+      reinterpret_cast<MINMAXINFO*>(lParam)->ptMaxTrackSize = {0x7FFF, 0x7FFF};
+      return 0;
+    }
     if (!container) return DefWindowProcW(window, message, wParam, lParam);
     switch (message) {
       case WM_SIZE: container->fillClientArea(); return 0;

@@ -192,6 +192,31 @@ TEST(WavReader, ReadsTheLongFileVariant) {
   EXPECT_EQ(2u, result.recording->frameCount());
 }
 
+TEST(WavReader, ScalesSamplesOfEveryDepthToOne) {
+  struct Case {
+    std::uint16_t bits;
+    Bytes lowest, zero, half;
+  };
+  const Case cases[] = {{8, {0}, {128}, {192}},
+                        {16, {0, 0x80}, {0, 0}, {0, 0x40}},
+                        {24, {0, 0, 0x80}, {0, 0, 0}, {0, 0, 0x40}},
+                        {32, {0, 0, 0, 0x80}, {0, 0, 0, 0}, {0, 0, 0, 0x40}}};
+  for (const Case& one : cases) {
+    Bytes samples = one.lowest;  // frame 0: lowest, zero; frame 1: half, lowest
+    append(samples, one.zero);
+    append(samples, one.half);
+    append(samples, one.lowest);
+    Header header;
+    header.bits = one.bits;
+    const WavResult result = readWav(riff({chunk("fmt ", header.bytes()), chunk("data", samples)}));
+    ASSERT_TRUE(result.recording) << result.problem;
+    EXPECT_EQ(-1.0, result.recording->sample(0, 0)) << one.bits;
+    EXPECT_EQ(0.0, result.recording->sample(0, 1)) << one.bits;
+    EXPECT_EQ(0.5, result.recording->sample(1, 0)) << one.bits;
+    EXPECT_EQ(-1.0, result.recording->sample(1, 1)) << one.bits;
+  }
+}
+
 struct Refusal {
   const char* name;
   Bytes file;

@@ -183,6 +183,16 @@ TEST_F(ContainerTest, OpensAWindowOfTheAskedClientSize) {
   EXPECT_EQ(E_UNEXPECTED, container.open({}));
 }
 
+TEST_F(ContainerTest, MayBeLargerThanTheScreen) {
+  avhost::Container large;
+  const SIZE size = {GetSystemMetrics(SM_CXSCREEN) + 200, GetSystemMetrics(SM_CYSCREEN) + 100};
+  ASSERT_EQ(S_OK, large.open({.clientSizePx = size}));
+  RECT client;
+  GetClientRect(large.window(), &client);
+  EXPECT_EQ(size.cx, client.right);
+  EXPECT_EQ(size.cy, client.bottom);
+}
+
 TEST_F(ContainerTest, SitesFirstWhenTheControlAsksForIt) {
   ASSERT_EQ(S_OK, container.host(unknownOf(control)));
   EXPECT_THAT(control.calls, ElementsAre("SetClientSite", "InitNew", "Advise", "SetAdvise", "SetExtent", "DoVerb -5"));
