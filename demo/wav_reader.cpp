@@ -93,6 +93,15 @@ std::vector<std::uint8_t> completedFormat(Bytes format) {
 
 }  // namespace
 
+double WavRecording::sample(std::size_t frame, std::size_t channel) const noexcept {
+  const std::size_t width = bitsPerSample / 8u;
+  const std::uint8_t* bytes = &samples[frame * bytesPerFrame() + channel * width];
+  std::uint32_t raw = 0;  // the sample's bytes at the top of 32 bits, so that its sign bit is the word's
+  for (std::size_t i = 0; i < width; ++i) raw |= static_cast<std::uint32_t>(bytes[i]) << (8 * (4 - width + i));
+  if (width == 1) raw ^= 0x80000000u;  // 8-bit samples are unsigned around 128
+  return static_cast<std::int32_t>(raw) / 2147483648.0;
+}
+
 WavResult readWav(Bytes file) {
   if (file.empty()) return refuse("the file is empty");
   if (file.size() < riffHeaderBytes || !hasName(file, 8, "WAVE")) return refuse("not a WAV file");

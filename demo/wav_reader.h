@@ -22,6 +22,8 @@ struct WavRecording {
 
   std::size_t bytesPerFrame() const noexcept { return std::size_t{channels} * (bitsPerSample / 8u); }
   std::size_t frameCount() const noexcept { return samples.size() / bytesPerFrame(); }
+  /// One sample on a scale of −1 to below 1.
+  double sample(std::size_t frame, std::size_t channel) const noexcept;
 };
 
 /// Either a recording or, in `problem`, why there is none: a lower-case phrase without a full stop.
