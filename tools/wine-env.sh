@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Sourced by tools/wine-run and tools/wine-stop: where the prefixes lie and how Wine is set up in them.
 # Expects $arch (x64 or x86); sets $root and exports what Wine reads.
 
