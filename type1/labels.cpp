@@ -85,6 +85,7 @@ class Placement {
                     strip.top + edgePx + size.heightPx};
     if (rect.left < strip.left + 1 || rect.bottom > strip.bottom || touchesAnother(rect)) return;
     m_texts.push_back({std::string(unit), rect, m_colour});
+    m_verticalUnitWidthPx = size.widthPx + edgePx;
   }
 
   void addVerticalLabels() {
@@ -115,7 +116,9 @@ class Placement {
     }
 
     const Rect strip = yStrip();
-    const int padPx = std::max(1, std::min(m_layout.textHeightPx / 3, (strip.width() - columnWidthPx) / 2));
+    // Ticks stand at the plot, close to it where the unit text then fits beside them.
+    const int besideUnitPx = strip.width() - columnWidthPx - m_verticalUnitWidthPx - m_gapPx;
+    const int padPx = std::clamp(besideUnitPx, 1, std::max(1, m_layout.textHeightPx / 3));
     const int columnRight = strip.left + padPx + columnWidthPx;
     for (int i = 0; i < rowCount; ++i) {
       Row& row = rows[static_cast<std::size_t>(i)];
@@ -206,7 +209,7 @@ class Placement {
     return std::nullopt;
   }
 
-  static constexpr int edgePx = 2;  ///< keeps unit texts off the border
+  static constexpr int edgePx = 1;  ///< keeps unit texts off the border
 
   std::vector<TextRun>& m_texts;
   const ViewSettings& m_settings;
@@ -216,6 +219,7 @@ class Placement {
   Argb m_colour;
   int m_gapPx;
   std::int64_t m_rowPitchPx;
+  int m_verticalUnitWidthPx = 0;  ///< with its distance from the edge; 0 while there is none
 };
 
 }  // namespace

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "gfx/frame_parts.h"
+#include "gfx/win/offscreen.h"
+
+#include <span>
+
+namespace av {
+
+/// Replays frame parts into an off-screen picture, in the order of the calls. Every operation returns false at its first
+/// failure in GDI+ (out of memory, most of all) and throws nothing; the caller then keeps the previous picture.
+/// Owns GDI+ objects: has to be gone, or released, before the GDI+ token ends.
+/// [control thread, under the drawing lock]
+class FramePainter {
+ public:
+  explicit FramePainter(OffscreenSurface& surface) noexcept : m_surface(surface) {}
+
+  bool clear(Argb colour) noexcept;
+  bool fill(std::span<const FilledRect> rects) noexcept;
+  bool draw(std::span<const LineSegment> lines) noexcept;
+  bool draw(const Polylines& lines) noexcept;
+  /// Texts in `font`; without a font there is nothing to draw and that is no failure.
+  bool draw(std::span<const TextRun> texts, const Gdiplus::GpFont* font) noexcept;
+
+  /// Lets the GDI+ objects go; the next use makes them anew.
+  void release() noexcept;
+
+ private:
+  Gdiplus::GpPen* pen(Argb colour) noexcept;
+
+  OffscreenSurface& m_surface;
+  PenHandle m_pen;
+  SolidBrushHandle m_textBrush;
+  StringFormatHandle m_format;
+};
+
+}  // namespace av

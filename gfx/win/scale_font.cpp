@@ -1,0 +1,115 @@
+#include "gfx/win/scale_font.h"
+
+#include "gfx/saturate.h"
+
+#include <olectl.h>
+
+#include <cstddef>
+#include <iterator>
+#include <vector>
+
+namespace av {
+
+using namespace Gdiplus;
+using namespace Gdiplus::DllExports;
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+FontFamilyHandle familyNamed(const wchar_t* name) {
+  GpFontFamily* family = nullptr;
+  return FontFamilyHandle(GdipCreateFontFamilyFromName(name, nullptr, &family) == Ok ? family : nullptr);
+}
+
+FontFamilyHandle genericSansSerif() {
+  GpFontFamily* family = nullptr;
+  return FontFamilyHandle(GdipGetGenericFontFamilySansSerif(&family) == Ok ? family : nullptr);
+}
+
+/// The family that GDI's font mapper takes for `font`: it always finds one, also where GDI+ knows no such name.
+FontFamilyHandle familyMappedByGdi(HFONT font) {
+  const HDC dc = CreateCompatibleDC(nullptr);
+  if (!dc) return nullptr;
+  wchar_t face[LF_FACESIZE] = L"";
+  const HGDIOBJ previous = SelectObject(dc, font);
+  GetTextFaceW(dc, LF_FACESIZE, face);
+  SelectObject(dc, previous);
+  DeleteDC(dc);
+  return familyNamed(face);
+}
+
+FontHandle fontOf(const FontFamilyHandle& family, float points, int style) {
+  if (!family) return nullptr;
+  GpFont* font = nullptr;
+  if (GdipCreateFont(family.get(), points, style, UnitPoint, &font) == Ok) return FontHandle(font);
+  // Some faces exist in one weight or slope only.
+  const int underline = style & FontStyleUnderline;
+  for (const int shape : {FontStyleRegular, FontStyleBold, FontStyleItalic, FontStyleBoldItalic}) {
+    if (GdipCreateFont(family.get(), points, shape | underline, UnitPoint, &font) == Ok) return FontHandle(font);
+  }
+  return nullptr;
+}
+
+FontHandle fontOfAnyFamily(float points, int style) {
+  GpFontCollection* installed = nullptr;  // the system's, not to be deleted
+  INT count = 0;
+  if (GdipNewInstalledFontCollection(&installed) != Ok ||
+      GdipGetFontCollectionFamilyCount(installed, &count) != Ok || count < 1) {
+    return nullptr;
+  }
+  std::vector<GpFontFamily*> families(static_cast<std::size_t>(count));
+  if (GdipGetFontCollectionFamilyList(installed, count, families.data(), &count) != Ok) return nullptr;
+  families.resize(static_cast<std::size_t>(count));
+  for (GpFontFamily* const listed : families) {
+    GpFontFamily* family = nullptr;  // the list's entries stay the collection's
+    if (GdipCloneFontFamily(listed, &family) != Ok) continue;
+    if (FontHandle made = fontOf(FontFamilyHandle(family), points, style)) return made;
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+ComPtr<IFontDisp> createDefaultScaleFont() noexcept {
+  wchar_t face[] = L"Arial";
+  FONTDESC description{};
+  description.cbSizeofstruct = sizeof description;
+  description.lpstrName = face;
+  description.cySize.int64 = 60000;  // 6 points: currency values count ten-thousandths
+  description.sWeight = FW_NORMAL;
+  description.sCharset = DEFAULT_CHARSET;
+  ComPtr<IFontDisp> font;
+  OleCreateFontIndirect(&description, IID_IFontDisp, reinterpret_cast<void**>(font.GetAddressOf()));
+  return font;
+}
+
+FontHandle createScaleFont(IUnknown* font) {
+  ComPtr<IFont> source;
+  if (!font || FAILED(font->QueryInterface(IID_IFont, reinterpret_cast<void**>(source.GetAddressOf())))) {
+    return nullptr;
+  }
+  HFONT gdiFont = nullptr;  // stays the font object's
+  LOGFONTW description{};
+  if (FAILED(source->get_hFont(&gdiFont)) ||
+      GetObjectW(gdiFont, static_cast<int>(sizeof description), &description) == 0) {
+    return nullptr;
+  }
+  description.lfFaceName[std::size(description.lfFaceName) - 1] = L'\0';
+  const int style = (description.lfWeight > 500 ? FontStyleBold : 0) | (description.lfItalic ? FontStyleItalic : 0) |
+                    (description.lfUnderline ? FontStyleUnderline : 0);
+  const LONG height = description.lfHeight < 0 ? -description.lfHeight : description.lfHeight;
+  const float points = height > 0 ? static_cast<float>(height) : 1.0f;
+
+  if (FontHandle made = fontOf(familyNamed(description.lfFaceName), points, style)) return made;
+  if (FontHandle made = fontOf(familyMappedByGdi(gdiFont), points, style)) return made;
+  if (FontHandle made = fontOf(genericSansSerif(), points, style)) return made;
+  return fontOfAnyFamily(points, style);
+}
+
+int fontHeightPx(const GpFont* font, const GpGraphics* graphics) noexcept {
+  REAL height = 0;
+  if (!font || !graphics || GdipGetFontHeight(font, graphics, &height) != Ok) return 0;
+  return truncToInt(static_cast<double>(height) + 0.5);
+}
+
+}  // namespace av

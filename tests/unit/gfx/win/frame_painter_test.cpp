@@ -1,0 +1,187 @@
+#include "gfx/win/frame_painter.h"
+
+#include "gfx/win/gdiplus_text_measure.h"
+#include "gfx/win/gdiplus_token.h"
+#include "gfx/win/scale_font.h"
+#include "support/line_oracle.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+#include <vector>
+
+namespace av {
+namespace {
+
+constexpr Argb white = 0xFFFFFFFF;
+constexpr Argb red = 0xFFFF0000;
+constexpr Argb green = 0xFF00FF00;
+
+class FramePainterTest : public testing::Test {
+ protected:
+  FramePainterTest() { surface.resize({120, 80}); }
+
+  Argb at(int x, int y) {
+    return surface.pixels()[static_cast<std::size_t>(y) * static_cast<std::size_t>(surface.size().widthPx) +
+                            static_cast<std::size_t>(x)];
+  }
+
+  /// The smallest rectangle that holds every pixel that differs from `background`.
+  Rect inkBox(Argb background) {
+    Rect box{surface.size().widthPx, surface.size().heightPx, 0, 0};
+    for (int y = 0; y < surface.size().heightPx; ++y) {
+      for (int x = 0; x < surface.size().widthPx; ++x) {
+        if (at(x, y) == background) continue;
+        box = {std::min(box.left, x), std::min(box.top, y), std::max(box.right, x + 1), std::max(box.bottom, y + 1)};
+      }
+    }
+    return box;
+  }
+
+  GdiplusToken token;
+  OffscreenSurface surface;
+  FramePainter painter{surface};
+};
+
+TEST_F(FramePainterTest, ClearsEveryPixel) {
+  ASSERT_TRUE(painter.clear(0xFF123456));
+  for (const Argb pixel : surface.pixels()) ASSERT_EQ(0xFF123456, pixel);
+}
+
+TEST_F(FramePainterTest, FillsExactlyTheRectangleWithoutItsRightAndBottom) {
+  const Rect rect{10, 20, 30, 25};
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.fill(std::vector<FilledRect>{{rect, red}}));
+  for (int y = 0; y < 80; ++y) {
+    for (int x = 0; x < 120; ++x) {
+      const bool inside = x >= 10 && x < 30 && y >= 20 && y < 25;
+      ASSERT_EQ(inside ? red : white, at(x, y)) << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(FramePainterTest, FillsTheSamePixelsAsThePlatformClippedAtEveryEdge) {
+  OffscreenSurface reference;
+  ASSERT_TRUE(reference.resize({120, 80}));
+  const SolidBrushHandle brush = createSolidBrush(red);
+  for (const Rect& rect : {Rect{-5, -5, 10, 10}, Rect{100, 70, 200, 200}, Rect{-10, 30, 500, 31}, Rect{5, 5, 5, 9},
+                           Rect{200, 5, 300, 9}, Rect{5, -20, 9, -10}, Rect{0, 0, 120, 80}}) {
+    ASSERT_TRUE(painter.clear(white));
+    reference.clear(white);
+    ASSERT_TRUE(painter.fill(std::vector<FilledRect>{{rect, red}}));
+    if (!rect.isEmpty()) {
+      ASSERT_EQ(Gdiplus::Ok, Gdiplus::DllExports::GdipFillRectangleI(reference.graphics(), brush.get(), rect.left,
+                                                                     rect.top, rect.width(), rect.height()));
+    }
+    ASSERT_TRUE(std::ranges::equal(reference.pixels(), surface.pixels())) << rect.left << " " << rect.top;
+  }
+}
+
+TEST_F(FramePainterTest, DrawsLaterPartsOverEarlierOnes) {
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.fill(std::vector<FilledRect>{{{0, 0, 20, 20}, red}, {{10, 10, 30, 30}, green}}));
+  EXPECT_EQ(red, at(9, 9));
+  EXPECT_EQ(green, at(10, 10));
+  EXPECT_EQ(green, at(19, 19));
+}
+
+TEST_F(FramePainterTest, DrawsStraightSegmentsWithBothEndPoints) {
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(std::vector<LineSegment>{{{10, 5}, {10, 70}, red}, {{3, 40}, {100, 40}, green}}));
+  for (int y = 0; y < 80; ++y) {
+    if (y != 40) {
+      ASSERT_EQ(y >= 5 && y <= 70 ? red : white, at(10, y)) << y;
+    }
+  }
+  for (int x = 0; x < 120; ++x) ASSERT_EQ(x == 10 || (x >= 3 && x <= 100) ? green : white, at(x, 40)) << x;
+}
+
+TEST_F(FramePainterTest, DrawsPolylinesToThePixel) {
+  std::mt19937 random(7);
+  for (int run = 0; run < 200; ++run) {
+    Polylines lines;
+    const std::span<Point> points = lines.add(red, 2 + random() % 40);
+    for (Point& point : points) point = {static_cast<int>(random() % 160) - 20, static_cast<int>(random() % 120) - 20};
+    std::vector<Argb> expected(120 * 80, white);
+    test::forEachLinePixel(points, [&](Point p) {
+      if (p.x >= 0 && p.x < 120 && p.y >= 0 && p.y < 80) expected[static_cast<std::size_t>(p.y * 120 + p.x)] = red;
+    });
+    ASSERT_TRUE(painter.clear(white));
+    ASSERT_TRUE(painter.draw(lines));
+    const std::span<const Argb> actual = surface.pixels();
+    int different = 0;
+    for (std::size_t i = 0; i < expected.size(); ++i) different += expected[i] != actual[i];
+    ASSERT_EQ(0, different) << "run " << run;
+  }
+}
+
+TEST_F(FramePainterTest, DrawsEachPolylineInItsOwnColour) {
+  Polylines lines;
+  std::ranges::copy(std::vector<Point>{{0, 10}, {119, 10}}, lines.add(red, 2).begin());
+  std::ranges::copy(std::vector<Point>{{0, 20}, {119, 20}}, lines.add(green, 2).begin());
+  lines.add(green, 1);  // no line
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(lines));
+  EXPECT_EQ(red, at(60, 10));
+  EXPECT_EQ(green, at(60, 20));
+}
+
+TEST_F(FramePainterTest, CentresTextsInTheirRectangle) {
+  const FontHandle font = createScaleFont(createDefaultScaleFont().Get());
+  ASSERT_TRUE(font);
+  GdiplusTextMeasure measure;
+  measure.use(surface.graphics(), font.get());
+  const Rect rect{20, 10, 100, 60};
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(std::vector<TextRun>{{"8008", rect, red}}, font.get()));
+  const Rect ink = inkBox(white);
+  ASSERT_FALSE(ink.isEmpty());
+  // Symmetrical digits: the centres agree within two pixels, the side bearings and the descent of the cell.
+  EXPECT_NEAR(rect.left + rect.right, ink.left + ink.right, 4);
+  EXPECT_NEAR(rect.top + rect.bottom, ink.top + ink.bottom, 4);
+  const Size size = measure.measure("8008");
+  EXPECT_LE(ink.width(), size.widthPx);
+  EXPECT_LE(ink.height(), size.heightPx);
+  EXPECT_GT(ink.width() * 2, size.widthPx);
+}
+
+TEST_F(FramePainterTest, RunsATextOverARectangleThatIsTooNarrowOnBothSides) {
+  const FontHandle font = createScaleFont(createDefaultScaleFont().Get());
+  ASSERT_TRUE(font);
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(std::vector<TextRun>{{"22050", {58, 20, 62, 40}, red}}, font.get()));
+  const Rect ink = inkBox(white);
+  EXPECT_LT(ink.left, 55);
+  EXPECT_GT(ink.right, 65);
+  EXPECT_LE(ink.height(), 20);  // one line
+}
+
+TEST_F(FramePainterTest, DrawsNoTextWithoutAFont) {
+  ASSERT_TRUE(painter.clear(white));
+  EXPECT_TRUE(painter.draw(std::vector<TextRun>{{"8008", {0, 0, 100, 50}, red}}, nullptr));
+  EXPECT_TRUE(inkBox(white).isEmpty());
+}
+
+TEST_F(FramePainterTest, FailsWithoutAPicture) {
+  OffscreenSurface none;
+  FramePainter lost(none);
+  EXPECT_FALSE(lost.clear(white));
+  EXPECT_FALSE(lost.fill(std::vector<FilledRect>{{{0, 0, 1, 1}, red}}));
+  EXPECT_FALSE(lost.draw(std::vector<LineSegment>{{{0, 0}, {5, 5}, red}}));
+  Polylines lines;
+  lines.add(red, 2)[1] = {5, 5};
+  EXPECT_FALSE(lost.draw(lines));
+}
+
+TEST_F(FramePainterTest, DrawsAgainAfterItsObjectsWereReleased) {
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(std::vector<LineSegment>{{{0, 0}, {5, 0}, red}}));
+  painter.release();
+  ASSERT_TRUE(painter.draw(std::vector<LineSegment>{{{0, 1}, {5, 1}, green}}));
+  EXPECT_EQ(red, at(3, 0));
+  EXPECT_EQ(green, at(3, 1));
+}
+
+}  // namespace
+}  // namespace av
