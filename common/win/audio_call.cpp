@@ -8,6 +8,13 @@ namespace {
 
 using Microsoft::WRL::ComPtr;
 
+// The reference that _com_error hands out, adopted. (MinGW's ComPtr::Attach() would add one more.)
+ComPtr<IErrorInfo> errorInfoOf(const _com_error& error) noexcept {
+  ComPtr<IErrorInfo> info;
+  *info.GetAddressOf() = error.ErrorInfo();
+  return info;
+}
+
 class ScopedVariant {
  public:
   ScopedVariant() noexcept { VariantInit(&value); }
@@ -18,19 +25,20 @@ class ScopedVariant {
   VARIANT value;
 };
 
-// Fetches the one argument. The system's helper does the looking up and the coercion; what it takes on trust is
-// checked first.
+// Fetches the one argument, by position or by its name. The system coerces it; what that takes on trust is checked
+// first.
 HRESULT audioDataArgument(DISPPARAMS& parameters, VARIANT& argument, UINT& argumentError) noexcept {
   if (parameters.cArgs != 1 || parameters.cNamedArgs > parameters.cArgs) return DISP_E_BADPARAMCOUNT;
   if (parameters.rgvarg == nullptr) return E_INVALIDARG;
   if (parameters.cNamedArgs > 0 && parameters.rgdispidNamedArgs == nullptr) return E_INVALIDARG;
   argumentError = 0;
-  const VARIANT& given = parameters.rgvarg[0];
+  if (parameters.cNamedArgs == 1 && parameters.rgdispidNamedArgs[0] != 0) return DISP_E_PARAMNOTFOUND;
+  VARIANT& given = parameters.rgvarg[0];
   if (V_VT(&given) == VT_ERROR && V_ERROR(&given) == DISP_E_PARAMNOTFOUND) return DISP_E_PARAMNOTOPTIONAL;
   if (V_ISBYREF(&given) && V_BYREF(&given) == nullptr) return DISP_E_TYPEMISMATCH;
-  const HRESULT found = DispGetParam(&parameters, 0, VT_UNKNOWN, &argument, &argumentError);
+  const HRESULT coerced = VariantChangeType(&argument, &given, 0, VT_UNKNOWN);
   // An interface that cannot be had from an object is a type mismatch to a script, as anything else that is no object.
-  return found == E_NOINTERFACE ? DISP_E_TYPEMISMATCH : found;
+  return coerced == E_NOINTERFACE ? DISP_E_TYPEMISMATCH : coerced;
 }
 
 BSTR systemText(const _com_error& error) noexcept {
@@ -42,8 +50,7 @@ HRESULT describe(const _com_error& error, EXCEPINFO* exception) noexcept {
   if (exception == nullptr) return DISP_E_EXCEPTION;
   *exception = {};
   exception->scode = error.Error();
-  ComPtr<IErrorInfo> info;
-  info.Attach(error.ErrorInfo());
+  const ComPtr<IErrorInfo> info = errorInfoOf(error);
   if (info != nullptr) {
     info->GetDescription(&exception->bstrDescription);
     info->GetSource(&exception->bstrSource);
@@ -58,9 +65,7 @@ HRESULT describe(const _com_error& error, EXCEPINFO* exception) noexcept {
 }  // namespace
 
 HRESULT returnHostError(const _com_error& error) noexcept {
-  ComPtr<IErrorInfo> info;
-  info.Attach(error.ErrorInfo());
-  SetErrorInfo(0, info.Get());
+  SetErrorInfo(0, errorInfoOf(error).Get());
   return error.Error();
 }
 

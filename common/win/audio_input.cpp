@@ -17,7 +17,9 @@ template <class Interface>
 ComPtr<Interface> query(IUnknown* object) {
   void* found = nullptr;
   ComPtr<Interface> result;
-  if (SUCCEEDED(object->QueryInterface(__uuidof(Interface), &found))) result.Attach(static_cast<Interface*>(found));
+  if (SUCCEEDED(object->QueryInterface(__uuidof(Interface), &found))) {
+    *result.GetAddressOf() = static_cast<Interface*>(found);  // MinGW's Attach() would add a reference
+  }
   return result;
 }
 
