@@ -27,9 +27,18 @@ fi
 # The server stays for this many seconds after the last program, so that a run of many programs pays its start once.
 keepServerS=${AV_WINE_KEEP_S:-20}
 
+# Goes up when makePrefix changes, so that prefixes of older trees are made anew.
+madeMark=.made-2
+
 makePrefix() {
-  mkdir -p "$WINEPREFIX"
-  # Written before the first start, so that it already runs without a screen.
+  # Somebody's own prefix is not ours to set up; one of ours that was left half made is.
+  [ -z "${AV_WINEPREFIX:-}" ] || [ ! -e "$WINEPREFIX/system.reg" ] || compgen -G "$WINEPREFIX/.made-*" >/dev/null ||
+    return 1
+  touch "$WINEPREFIX/.made-0"
+  quietly wineserver -k
+  quietly wineserver -w
+  rm -rf "${WINEPREFIX:?}"/{dosdevices,drive_c,*.reg,.update-timestamp,.ready,.made-[1-9]*}
+  # Written before the first start, so that it already runs without a screen; the server reads it when it comes up.
   cat >"$WINEPREFIX/user.reg" <<REG
 WINE REGISTRY Version 2
 
@@ -41,19 +50,12 @@ WINE REGISTRY Version 2
 
 [Software\\\\Wine\\\\WineDbg]
 "ShowCrashDialog"=dword:00000000
+
+[Control Panel\\\\Desktop]
+"LogPixels"=dword:$(printf '%08x' "$dpi")
 REG
-  # A server that starts before the file is there would write its own over it.
   quietly wineserver "-p$keepServerS"
-  quietly wine wineboot -i || return
-  if [ "$dpi" != 96 ]; then
-    # The first start drops this value, so it comes afterwards; a new server then reads it.
-    quietly wine reg add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD /d "$dpi" /f || return
-    quietly wineserver -k
-    quietly wineserver -w
-    quietly wineserver "-p$keepServerS"
-    quietly wine wineboot || return
-  fi
-  touch "$WINEPREFIX/.ready"
+  quietly wine wineboot -i && touch "$WINEPREFIX/$madeMark"
 }
 
 # Nothing that Wine leaves in the background may hold the caller's pipes open.

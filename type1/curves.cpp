@@ -105,6 +105,7 @@ void addOctaveSpectra(Polylines& curves, const ViewSettings& settings, const Vie
   if (rows.scaleSpan <= 0 || !(rows.dynamicRangeDb > 0) || signal.windowSize < 4) return;
   const int octaveCount = truncToInt(std::log2(signal.windowSize / 2) + 0.5);
   const double octaveWidth = (layout.plotWidth + 2.0) / (octaveCount + 1);
+  // NOLINTNEXTLINE(clang-analyzer-core.UndefinedBinaryOperatorResult): the logarithm of an int is below 31
   const std::size_t binEnd = std::size_t{1} << octaveCount;  // half the window: windows are powers of two
   for (std::size_t channel = 0; channel < static_cast<std::size_t>(channelsInUse(signal)); ++channel) {
     const std::span<const double> levels = spectrumOf(settings, signal, channel);
