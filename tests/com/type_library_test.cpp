@@ -8,7 +8,6 @@
 #include <wrl/client.h>
 
 #include <algorithm>
-#include <cctype>
 #include <map>
 #include <memory>
 #include <optional>
@@ -533,5 +532,8 @@ TEST_P(TypeLibrary, NamesEachClassItsInterfaces) {
 
 INSTANTIATE_TEST_SUITE_P(BesideTheDll, TypeLibrary, testing::Values(L"QELAudioVisualization4.tlb"),
                          [](const auto&) { return "File"; });
+INSTANTIATE_TEST_SUITE_P(InTheDll, TypeLibrary, testing::Values(L"QELAudioVisualization4.dll"),
+                         [](const auto&) { return "Resource"; });
+
 }  // namespace
 }  // namespace av::test
