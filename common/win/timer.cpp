@@ -1,0 +1,227 @@
+#include "common/win/timer.h"
+
+#include "common/repaint_schedule.h"
+#include "common/win/message_wait.h"
+#include "common/win/unique_handle.h"
+
+#include <objbase.h>
+
+#include <algorithm>
+#include <atomic>
+#include <new>
+#include <utility>
+
+namespace av {
+
+using Microsoft::WRL::ComPtr;
+
+namespace {
+
+constexpr auto relaxed = std::memory_order_relaxed;
+
+/// How long a worker may take to end beyond its wait, before teardown stops waiting for it. A worker whose tick can be
+/// delivered ends in no time; one that called into an apartment that was torn down under it may never return.
+constexpr DWORD endGraceMs = 20000;
+constexpr DWORD endGraceWithoutApartmentMs = 500;
+
+bool apartmentIsGone() noexcept {
+  APTTYPE type;
+  APTTYPEQUALIFIER qualifier;
+  return CoGetApartmentType(&type, &qualifier) == CO_E_NOTINITIALIZED;
+}
+
+/// Frees a stream with the marshalled reference in it that nobody has taken.
+void discardMarshalled(IStream* stream) noexcept {
+  stream->Seek({}, STREAM_SEEK_SET, nullptr);
+  CoReleaseMarshalData(stream);
+  stream->Release();
+}
+
+/// Takes the reference out of `stream`, which is freed in every case. Null when it cannot be unmarshalled.
+ComPtr<IAudioVisualizationTemplate> unmarshal(IStream* stream, const IID& id) noexcept {
+  ComPtr<IAudioVisualizationTemplate> proxy;
+  stream->AddRef();
+  const HRESULT result =
+      CoGetInterfaceAndReleaseStream(stream, id, reinterpret_cast<void**>(proxy.ReleaseAndGetAddressOf()));
+  if (FAILED(result))
+    discardMarshalled(stream);  // the marshalled reference would hold the tick object for ever
+  else
+    stream->Release();
+  return proxy;
+}
+
+/// The module that this code is in, counted up, so that it stays loaded until the worker has left it.
+HMODULE referenceThisModule() noexcept {
+  static const char inThisModule = 0;
+  HMODULE module = nullptr;
+  GetModuleHandleExW(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS, reinterpret_cast<const wchar_t*>(&inThisModule), &module);
+  return module;
+}
+
+}  // namespace
+
+/// What the timer shares with its workers; lives as long as the last of them.
+struct RepaintTimer::Shared : RepaintWords {
+  Shared(const IID& id, WorkerPlatform& system) : dispatchId(id), platform(system) {}
+
+  std::atomic<IStream*> stream{nullptr};  ///< the marshalled tick object, from start until the worker takes it
+  const IID dispatchId;
+  WorkerPlatform& platform;
+};
+
+struct RepaintTimer::Worker {
+  UniqueHandle thread;
+  DWORD threadId = 0;
+
+  bool hasEnded() const noexcept { return WaitForSingleObject(thread.get(), 0) == WAIT_OBJECT_0; }
+};
+
+/// What a thread is born with.
+struct RepaintTimer::WorkerStart {
+  std::shared_ptr<Shared> shared;
+  HMODULE module;
+};
+
+RepaintTimer::RepaintTimer(IAudioVisualizationTemplate* control, const IID& dispatchId, ole::ModuleLock& moduleLock,
+                           WorkerPlatform& platform)
+    : m_control(control),
+      m_dispatchId(dispatchId),
+      m_moduleLock(moduleLock),
+      m_platform(platform),
+      m_shared(std::make_shared<Shared>(dispatchId, platform)) {}
+
+RepaintTimer::~RepaintTimer() { shutDown(); }
+
+std::uint32_t RepaintTimer::Start(std::uint32_t periodMs) noexcept {
+  // A message that is dispatched while Stop waits must not set the flag again that the worker is to see cleared.
+  if (m_cutLoose || m_stopping) return 0;
+  const bool canCreate = m_shared->m_bRunning.load(relaxed) == 0 && m_shared->stream.load() == nullptr;
+  m_shared->m_nInterval.store(periodMs, relaxed);
+  m_shared->m_bRunning.store(1, relaxed);
+  if (!canCreate) return 0;
+
+  // Both the marshalling here and the unmarshalling in the thread, which inherits the context, look for the interface.
+  m_platform.inModuleContext([](void* timer) { static_cast<RepaintTimer*>(timer)->marshalAndCreateWorker(); }, this);
+  return 0;
+}
+
+void RepaintTimer::Stop() noexcept {
+  clearRunning();
+  if (m_stopping || !m_youngest) return;
+  if (m_tickObject && m_tickObject->insideTick()) return;
+  const std::shared_ptr<Worker> worker = std::move(m_youngest);  // keeps the handle open whatever is dispatched
+  m_stopping = true;
+  waitForEnd(*worker);
+  m_stopping = false;
+  forgetEndedWorkers();
+  m_shared->m_bBusy.store(0, relaxed);
+}
+
+void RepaintTimer::clearRunning() noexcept { m_shared->m_bRunning.store(0, relaxed); }
+
+void RepaintTimer::cutLoose() noexcept {
+  m_cutLoose = true;
+  clearRunning();
+  if (m_tickObject) m_tickObject->cutLoose();
+}
+
+void RepaintTimer::shutDown() noexcept {
+  cutLoose();
+  if (std::exchange(m_shutDown, true)) return;
+  m_youngest.reset();
+  const std::vector<std::shared_ptr<Worker>> workers = std::move(m_workers);
+  if (!m_tickObject || !m_tickObject->insideTick())
+    for (const std::shared_ptr<Worker>& worker : workers) waitForEnd(*worker);
+  m_shared->m_bBusy.store(0, relaxed);
+  // Still there when no thread could be created for it.
+  if (IStream* const stream = m_shared->stream.exchange(nullptr)) discardMarshalled(stream);
+  m_tickObject.Reset();
+}
+
+std::size_t RepaintTimer::liveWorkers() noexcept {
+  forgetEndedWorkers();
+  return m_workers.size();
+}
+
+void RepaintTimer::marshalAndCreateWorker() noexcept {
+  m_shared->stream.store(marshalTickObject());
+  m_youngest.reset();
+  forgetEndedWorkers();
+  m_shared->m_bBusy.store(0, relaxed);
+  m_youngest = createWorker();
+}
+
+IStream* RepaintTimer::marshalTickObject() noexcept {
+  if (!m_tickObject) m_tickObject = TickObject::create(m_control, m_dispatchId, m_moduleLock);
+  if (!m_tickObject) return nullptr;
+  IStream* stream = nullptr;
+  if (SUCCEEDED(CoMarshalInterThreadInterfaceInStream(m_dispatchId, m_tickObject.Get(), &stream))) return stream;
+  // An interface that nobody describes fails half-way, and Wine's COM then keeps the object until it is told not to.
+  // Not while a worker ticks through another reference to it.
+  if (m_workers.empty()) CoDisconnectObject(m_tickObject.Get(), 0);
+  return nullptr;
+}
+
+std::shared_ptr<RepaintTimer::Worker> RepaintTimer::createWorker() noexcept {
+  // Everything that needs memory comes before the thread, so that no thread is ever left unlisted.
+  std::shared_ptr<Worker> worker;
+  std::unique_ptr<WorkerStart> start;
+  try {
+    worker = std::make_shared<Worker>();
+    start.reset(new WorkerStart{m_shared, nullptr});
+    m_workers.reserve(m_workers.size() + 1);
+  } catch (const std::bad_alloc&) {
+    return nullptr;
+  }
+  const HMODULE module = start->module = referenceThisModule();
+  worker->thread.reset(m_platform.createThread(&RepaintTimer::workerMain, start.get(), worker->threadId));
+  if (!worker->thread) {
+    if (module) FreeLibrary(module);
+    return nullptr;
+  }
+  static_cast<void>(start.release());  // the thread's now
+  m_workers.push_back(worker);
+  return worker;
+}
+
+// [repaint worker]
+DWORD WINAPI RepaintTimer::workerMain(void* argument) {
+  HMODULE module = nullptr;
+  {
+    const std::unique_ptr<WorkerStart> start(static_cast<WorkerStart*>(argument));
+    module = start->module;
+    runWorker(*start->shared);
+  }
+  // Nothing with a destructor may be alive here: the thread never returns from giving its module reference back.
+  if (module) FreeLibraryAndExitThread(module, 0);
+  return 0;
+}
+
+// [repaint worker]
+void RepaintTimer::runWorker(Shared& shared) {
+  const bool comInitialised = SUCCEEDED(CoInitialize(nullptr));
+  {
+    ComPtr<IAudioVisualizationTemplate> callback;
+    if (IStream* const stream = shared.stream.exchange(nullptr)) callback = unmarshal(stream, shared.dispatchId);
+    runRepaintSchedule(
+        shared, [&shared] { return shared.platform.tickCount(); },
+        [&shared](std::uint32_t durationMs) { shared.platform.sleepMs(durationMs); },
+        [&callback] {
+          if (callback) callback->_OnTimer();
+        });
+  }
+  if (comInitialised) CoUninitialize();
+}
+
+void RepaintTimer::waitForEnd(const Worker& worker) noexcept {
+  const std::uint64_t limitMs =
+      std::uint64_t{m_shared->m_nInterval.load(relaxed)} +
+      (apartmentIsGone() ? endGraceWithoutApartmentMs : endGraceMs);
+  waitDispatchingMessages(worker.thread.get(), static_cast<DWORD>(std::min<std::uint64_t>(limitMs, INFINITE)));
+}
+
+void RepaintTimer::forgetEndedWorkers() noexcept {
+  std::erase_if(m_workers, [](const std::shared_ptr<Worker>& worker) { return worker->hasEnded(); });
+}
+
+}  // namespace av
