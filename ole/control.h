@@ -57,6 +57,8 @@ class Control : public Object, public WindowClient {
   bool isDirty() const noexcept { return m_dirty; }
   void setDirty(bool dirty) noexcept { m_dirty = dirty; }
 
+  /// Whether the caller runs on the thread that made the control. Hosts push blocks from other threads as well.
+  bool onControlThread() const noexcept { return GetCurrentThreadId() == m_threadId; }
   /// In-place active with a window of its own.
   bool hasActiveWindow() const noexcept { return m_inPlace.isActive() && m_inPlace.window(); }
   /// Draws at once into the control's own window where it has one, else asks the container to redraw.
@@ -77,6 +79,7 @@ class Control : public Object, public WindowClient {
 
  private:
   const ControlInfo m_info;
+  const DWORD m_threadId = GetCurrentThreadId();
   Microsoft::WRL::ComPtr<IOleClientSite> m_clientSite;
   SIZEL m_extent;
   bool m_dirty = false;

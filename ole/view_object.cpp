@@ -6,6 +6,21 @@ namespace av::ole {
 
 using Microsoft::WRL::ComPtr;
 
+namespace {
+
+class Exclusive {
+ public:
+  explicit Exclusive(SRWLOCK& lock) noexcept : m_lock(lock) { AcquireSRWLockExclusive(&m_lock); }
+  ~Exclusive() { ReleaseSRWLockExclusive(&m_lock); }
+  Exclusive(const Exclusive&) = delete;
+  Exclusive& operator=(const Exclusive&) = delete;
+
+ private:
+  SRWLOCK& m_lock;
+};
+
+}  // namespace
+
 STDMETHODIMP ViewObject::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC target, LPCRECTL bounds, LPCRECTL,
                               BOOL(CALLBACK*)(ULONG_PTR), ULONG_PTR) {
   if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
@@ -41,9 +56,14 @@ STDMETHODIMP ViewObject::Unfreeze(DWORD) { return E_NOTIMPL; }
 
 STDMETHODIMP ViewObject::SetAdvise(DWORD aspects, DWORD flags, IAdviseSink* sink) {
   const KeepAlive alive(control());
-  m_sinkAspects = aspects;
-  m_sinkFlags = flags;
-  m_sink = sink;
+  ComPtr<IAdviseSink> incoming = sink;
+  {
+    const Exclusive lock(m_sinkLock);
+    m_sinkAspects = aspects;
+    m_sinkFlags = flags;
+    m_sink.Swap(incoming);
+  }
+  incoming.Reset();  // the old sink
   if (sink && (flags & ADVF_PRIMEFIRST)) viewChanged();
   return S_OK;
 }
@@ -89,10 +109,14 @@ STDMETHODIMP ViewObject::GetNaturalExtent(DWORD, LONG, DVTARGETDEVICE*, HDC, DVE
 }
 
 void ViewObject::viewChanged() {
-  const ComPtr<IAdviseSink> sink = m_sink;
-  if (!sink || !(m_sinkAspects & DVASPECT_CONTENT)) return;
-  if (m_sinkFlags & ADVF_ONLYONCE) m_sink.Reset();
-  sink->OnViewChange(DVASPECT_CONTENT, -1);
+  ComPtr<IAdviseSink> sink;
+  {
+    const Exclusive lock(m_sinkLock);
+    if (!(m_sinkAspects & DVASPECT_CONTENT)) return;
+    if (m_sinkFlags & ADVF_ONLYONCE) sink.Swap(m_sink);
+    else sink = m_sink;
+  }
+  if (sink) sink->OnViewChange(DVASPECT_CONTENT, -1);
 }
 
 }  // namespace av::ole

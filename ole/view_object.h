@@ -31,10 +31,13 @@ class ViewObject final : public ControlPart<IViewObjectEx> {
   STDMETHODIMP GetNaturalExtent(DWORD aspect, LONG index, DVTARGETDEVICE* device, HDC target, DVEXTENTINFO* info,
                                 LPSIZEL himetric) override;
 
-  /// Tells the view's sink, if there is one, that the picture has changed.
+  /// Tells the view's sink, if there is one, that the picture has changed. [control thread or audio thread]
   void viewChanged();
 
  private:
+  /// Blocks that draw on the audio thread read the sink while the container may be replacing it. Never held during a
+  /// call of the sink.
+  SRWLOCK m_sinkLock = SRWLOCK_INIT;
   Microsoft::WRL::ComPtr<IAdviseSink> m_sink;
   DWORD m_sinkAspects = 0;
   DWORD m_sinkFlags = 0;
