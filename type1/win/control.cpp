@@ -1,0 +1,106 @@
+#include "type1/win/control.h"
+
+#include "common/win/audio_call.h"
+#include "common/win/audio_input.h"
+
+#include <mutex>
+
+namespace av::type1 {
+
+namespace {
+
+const ole::ControlInfo controlInfo{
+    CLSID_CAudioVisualization4Type1, L"CAudioVisualization4Type1 Object",
+    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT | OLEMISC_ACTIVATEWHENVISIBLE |
+        OLEMISC_SETCLIENTSITEFIRST};
+
+constexpr std::uint32_t repaintPeriodMs = 30;
+
+}  // namespace
+
+CAudioVisualization4Type1::CAudioVisualization4Type1(IUnknown* outer)
+    : Control(outer, controlInfo), Dual(static_cast<ole::Object&>(*this)) {
+  m_settings.scaleColor = argbFromOleColor(GetSysColor(COLOR_BTNFACE));
+}
+
+void CAudioVisualization4Type1::tearDown() noexcept {
+  // Ticks that arrive from here on, also while the waits below dispatch messages, find no control any more.
+  m_timer.cutLoose();
+  leaveContainer();
+  m_picture.discard();
+  m_timer.shutDown();
+}
+
+void* CAudioVisualization4Type1::findInterface(REFIID iid) noexcept {
+  if (iid == IID_IDispatch || iid == IID_IAudioVisualizationTemplate || iid == IID_IAudioVisualization4Type1)
+    return static_cast<IAudioVisualization4Type1*>(this);
+  return Control::findInterface(iid);
+}
+
+STDMETHODIMP CAudioVisualization4Type1::Invoke(DISPID member, REFIID reserved, LCID locale, WORD flags,
+                                               DISPPARAMS* arguments, VARIANT* result, EXCEPINFO* exception,
+                                               UINT* argumentError) {
+  const ole::KeepAlive alive(*this);
+  if (member == dispidSendAudioData && IsEqualIID(reserved, IID_NULL)) {
+    return invokeSendAudioData(flags, arguments, result, exception, argumentError,
+                               [this](IUnknown* audioData) { return SendAudioData(audioData); });
+  }
+  return Dual::Invoke(member, reserved, locale, flags, arguments, result, exception, argumentError);
+}
+
+STDMETHODIMP CAudioVisualization4Type1::SendAudioData(IUnknown* audioData) {
+  const ole::KeepAlive alive(*this);
+  return guardSendAudioData([&] { pushBlock(audioData); });
+}
+
+void CAudioVisualization4Type1::pushBlock(IUnknown* audioData) {
+  const std::lock_guard lock(m_mutex);
+  if (!audioData) return;
+  const AudioInput input(audioData);
+  const AudioBlock* block = input.block();
+  if (!block) return;
+  const auto outcome = m_analysis.accept(*block, m_settings);
+  if (outcome == ViewAnalysis::Outcome::analysed && !m_settings.visualizationSmooth) drawNow();
+}
+
+STDMETHODIMP CAudioVisualization4Type1::_OnTimer() {
+  const ole::KeepAlive alive(*this);
+  if (m_analysis.smoothingStep(m_settings)) drawNow();
+  return S_OK;
+}
+
+void CAudioVisualization4Type1::activationVerbDone() { m_timer.Start(repaintPeriodMs); }
+
+bool CAudioVisualization4Type1::handleMessage(UINT message, WPARAM, LPARAM, LRESULT& result) {
+  if (message != WM_ERASEBKGND) return false;
+  result = 0;
+  return true;
+}
+
+void CAudioVisualization4Type1::resized() { layoutWindow(); }
+
+void CAudioVisualization4Type1::layoutWindow() {
+  RECT client{};
+  if (!hasActiveWindow() || !GetClientRect(inPlace().window(), &client)) return;
+  const std::lock_guard lock(m_drawingLock);
+  m_picture.layout(m_settings, m_analysis.signal().sampleRateHz, {client.right, client.bottom});
+}
+
+void CAudioVisualization4Type1::draw(HDC target, const RECT& bounds) {
+  const bool inWindow = hasActiveWindow();
+  try {
+    const std::lock_guard lock(m_drawingLock);
+    m_picture.paint(target, bounds, inWindow, m_settings, m_analysis.signal());
+  } catch (const std::bad_alloc&) {
+    // The target keeps what it shows.
+  }
+  // Ticks are delivered to the thread that starts the timer, so a block that draws on the audio thread does not.
+  if (inWindow && onControlThread() && bounds.right - bounds.left >= 2 && bounds.bottom - bounds.top >= 2)
+    m_timer.Start(repaintPeriodMs);
+}
+
+HRESULT createType1Control(IUnknown* outer, REFIID iid, void** object) {
+  return ole::createObject<CAudioVisualization4Type1>(outer, iid, object);
+}
+
+}  // namespace av::type1

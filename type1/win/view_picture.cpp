@@ -1,0 +1,61 @@
+#include "type1/win/view_picture.h"
+
+#include "gfx/win/scale_font.h"
+#include "type1/win/view_painter.h"
+
+namespace av::type1 {
+
+ViewPicture::ViewPicture() noexcept : m_font(createDefaultScaleFont()) {}
+
+bool ViewPicture::prepare(Size size) {
+  if (!m_surface.resize(size)) return false;
+  const bool newFont = !m_drawingFont;
+  if (newFont) m_drawingFont = createScaleFont(m_font.Get());
+  if (newFont || m_measuredOn != m_surface.graphics()) {
+    m_measuredOn = m_surface.graphics();
+    m_textHeightPx = fontHeightPx(m_drawingFont.get(), m_measuredOn);
+    m_measure.use(m_measuredOn, m_drawingFont.get());
+  }
+  return true;
+}
+
+void ViewPicture::layout(const ViewSettings& settings, std::uint32_t sampleRateHz, SIZE client) {
+  if (client.cx < 2 || client.cy < 2 || !prepare({client.cx, client.cy})) return;
+  m_layout = computeLayout(settings, sampleRateHz, {0, 0, client.cx, client.cy}, m_textHeightPx);
+}
+
+void ViewPicture::paint(HDC target, const RECT& bounds, bool inWindow, const ViewSettings& settings,
+                        const ViewSignal& signal) {
+  const Rect picture{0, 0, bounds.right - bounds.left, bounds.bottom - bounds.top};
+  if (!prepare({picture.width(), picture.height()})) return;
+  const bool windowLayout = inWindow && m_layout.client == picture;
+  buildFrame(m_frame, settings, signal,
+             windowLayout ? m_layout : computeLayout(settings, signal.sampleRateHz, picture, m_textHeightPx), m_measure);
+  if (paintFrame(m_painter, m_frame, m_drawingFont.get())) m_surface.copyTo(target, {bounds.left, bounds.top});
+}
+
+HRESULT ViewPicture::font(IFontDisp** font) const {
+  *font = nullptr;
+  return m_font ? m_font.CopyTo(font) : S_OK;
+}
+
+HRESULT ViewPicture::setFont(IFontDisp* font) {
+  Microsoft::WRL::ComPtr<IFont> face;
+  Microsoft::WRL::ComPtr<IFontDisp> dispatch;
+  if (FAILED(font->QueryInterface(IID_PPV_ARGS(&face))) || FAILED(face.As(&dispatch))) return E_INVALIDARG;
+  m_font = dispatch;
+  m_measure.use(nullptr, nullptr);
+  m_drawingFont.reset();
+  return S_OK;
+}
+
+void ViewPicture::discard() noexcept {
+  m_painter.release();
+  m_measure.release();
+  m_drawingFont.reset();
+  m_surface.release();
+  m_measuredOn = nullptr;
+  m_font.Reset();
+}
+
+}  // namespace av::type1

@@ -1,0 +1,57 @@
+#pragma once
+
+#include "gfx/win/frame_painter.h"
+#include "gfx/win/gdiplus_text_measure.h"
+#include "gfx/win/gdiplus_token.h"
+#include "gfx/win/offscreen.h"
+#include "type1/frame.h"
+#include "type1/layout.h"
+
+#include <windows.h>
+
+#include <ocidl.h>
+#include <wrl/client.h>
+
+#include <cstdint>
+
+namespace av::type1 {
+
+/// The view's picture: GDI+, the scale font, the layout of the window and the off-screen surface that every paint goes
+/// through. [control thread, or the audio thread that pushes a block; under the drawing lock]
+class ViewPicture {
+ public:
+  /// Starts GDI+ for this control and makes the default font.
+  ViewPicture() noexcept;
+
+  /// Computes the layout of the control's window, `client` pixels large; below 2 × 2 the old one stays.
+  void layout(const ViewSettings& settings, std::uint32_t sampleRateHz, SIZE client);
+
+  /// Draws the frame of this moment and copies it to `bounds` of `target` in one piece. `inWindow`: into the control's own
+  /// window, by the layout that was computed for it; elsewhere the layout is that of the rectangle.
+  /// If GDI+ fails, what the target shows stays. Throws std::bad_alloc.
+  void paint(HDC target, const RECT& bounds, bool inWindow, const ViewSettings& settings, const ViewSignal& signal);
+
+  /// The scale font, counted for the caller.
+  HRESULT font(IFontDisp** font) const;
+  /// Takes another scale font; E_INVALIDARG, with the old one in place, for an object that is none.
+  HRESULT setFont(IFontDisp* font);
+
+  /// Lets all drawing resources go: the control is at its end.
+  void discard() noexcept;
+
+ private:
+  bool prepare(Size size);
+
+  GdiplusToken m_token;  // before everything that GDI+ owns
+  Microsoft::WRL::ComPtr<IFontDisp> m_font;
+  FontHandle m_drawingFont;  // made from m_font when it is first needed
+  int m_textHeightPx = 0;
+  OffscreenSurface m_surface;
+  FramePainter m_painter{m_surface};
+  GdiplusTextMeasure m_measure;
+  Gdiplus::GpGraphics* m_measuredOn = nullptr;
+  ViewLayout m_layout;
+  ViewFrame m_frame;
+};
+
+}  // namespace av::type1
