@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
-#include <cmath>
+#include <cstddef>
 #include <cstdlib>
 #include <optional>
 #include <string>
@@ -76,23 +76,37 @@ class Placement {
     }
   }
 
+  /// In the strip's top corner, else in its bottom corner, where no label is in the way. A unit costs labels only where
+  /// most of them stay, and otherwise gives way itself.
   void addVerticalUnit() {
     if (!yStripShown()) return;
-    const std::string_view unit = "dB ";
-    const Size size = m_measure.measure(unit);
     const Rect strip = yStrip();
-    const Rect rect{strip.right - edgePx - size.widthPx, strip.top + edgePx, strip.right - edgePx,
-                    strip.top + edgePx + size.heightPx};
-    if (rect.left < strip.left + 1 || rect.bottom > strip.bottom || touchesAnother(rect)) return;
-    m_texts.push_back({std::string(unit), rect, m_colour});
-    m_verticalUnitWidthPx = size.widthPx + edgePx;
+    const Size size = m_measure.measure(verticalUnit);
+    Rect rect{strip.right - edgePx - size.widthPx, strip.top + edgePx, strip.right - edgePx,
+              strip.top + edgePx + size.heightPx};
+    if (rect.left < strip.left + 1 || rect.bottom > strip.bottom) return;
+    if (touchesAnother(rect)) {
+      Rect atBottom = rect;
+      atBottom.bottom = strip.bottom - edgePx;
+      atBottom.top = atBottom.bottom - size.heightPx;
+      const auto inTheWay = [&](const TextRun& label) { return touch(rect, textBox(label.text, label.rect), m_gapPx); };
+      const auto firstLabel = m_texts.begin() + m_firstVerticalLabel;
+      if (!touchesAnother(atBottom)) {
+        rect = atBottom;
+      } else if (m_texts.end() - firstLabel >= 4 * std::count_if(firstLabel, m_texts.end(), inTheWay)) {
+        m_texts.erase(std::remove_if(firstLabel, m_texts.end(), inTheWay), m_texts.end());
+      } else {
+        return;
+      }
+    }
+    m_texts.push_back({std::string(verticalUnit), rect, m_colour});
   }
 
   void addVerticalLabels() {
+    m_firstVerticalLabel = static_cast<std::ptrdiff_t>(m_texts.size());
     if (!yStripShown() || m_layout.yDivisionCount < 1) return;
     const int count = std::min(m_layout.yDivisionCount, maxVerticalLabels);
     const int stride = rowStride(count);
-    if (stride > count) return;
 
     std::array<Row, maxVerticalLabels> rows;
     int rowCount = 0;
@@ -114,10 +128,12 @@ class Placement {
         if (!centreLine) add(count + 1 - k);
       }
     }
+    if (rowCount == 0) add((count + 1) / 2);  // one alone has no neighbour to touch
 
     const Rect strip = yStrip();
-    // Ticks stand at the plot, close to it where the unit text then fits beside them.
-    const int besideUnitPx = strip.width() - columnWidthPx - m_verticalUnitWidthPx - m_gapPx;
+    // The numbers stand near the plot, and as close to it as the unit text needs to fit beside them.
+    const int unitWidthPx = m_measure.measure(verticalUnit).widthPx + edgePx;
+    const int besideUnitPx = strip.width() - columnWidthPx - unitWidthPx - m_gapPx;
     const int padPx = std::clamp(besideUnitPx, 1, std::max(1, m_layout.textHeightPx / 3));
     const int columnRight = strip.left + padPx + columnWidthPx;
     for (int i = 0; i < rowCount; ++i) {
@@ -209,6 +225,7 @@ class Placement {
     return std::nullopt;
   }
 
+  static constexpr std::string_view verticalUnit = "dB ";
   static constexpr int edgePx = 1;  ///< keeps unit texts off the border
 
   std::vector<TextRun>& m_texts;
@@ -219,7 +236,7 @@ class Placement {
   Argb m_colour;
   int m_gapPx;
   std::int64_t m_rowPitchPx;
-  int m_verticalUnitWidthPx = 0;  ///< with its distance from the edge; 0 while there is none
+  std::ptrdiff_t m_firstVerticalLabel = 0;
 };
 
 }  // namespace
@@ -230,8 +247,8 @@ void addScaleTexts(std::vector<TextRun>& texts, const ViewSettings& settings, st
   Placement placement(texts, settings, sampleRateHz, layout, measure);
   placement.addHorizontalLabels();
   placement.addHorizontalUnit();
-  placement.addVerticalUnit();
   placement.addVerticalLabels();
+  placement.addVerticalUnit();
 }
 
 }  // namespace av::type1

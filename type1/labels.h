@@ -14,8 +14,8 @@ namespace av::type1 {
 /// or there is no font.
 ///
 /// Horizontal labels stand where their rule puts them and are never dropped for one another. Vertical labels stand where
-/// the pointer reads their value, within 1, and unit texts in the right-hand corners of their strips (the horizontal one
-/// at the left when a label is in its way); both give way rather than touch another text or leave their strip.
+/// the pointer reads their value, within 1, and unit texts in a corner of their strips: top right or bottom right, bottom
+/// right or bottom left. Both give way rather than touch another text or leave their strip.
 void addScaleTexts(std::vector<TextRun>& texts, const ViewSettings& settings, std::uint32_t sampleRateHz,
                    const ViewLayout& layout, const TextMeasure& measure);
 
