@@ -14,8 +14,8 @@ struct Rows {
   int top;
   int bottom;
   double height;
-  double scaleSpan;     ///< percent of the dynamic range that the plot's height shows
-  double scaleOffset;   ///< rows that the scale's lower limit cuts off, a whole number
+  double scaleSpan;    ///< percent of the dynamic range that the plot's height shows
+  double scaleOffset;  ///< rows that the scale's lower limit cuts off, a whole number
   double dynamicRangeDb;
 
   Rows(const ViewSettings& settings, const ViewLayout& layout)
@@ -48,9 +48,7 @@ std::span<const double> spectrumOf(const ViewSettings& settings, const ViewSigna
   return settings.visualizationSmooth ? signal.display[channel] : signal.analysis[channel];
 }
 
-Argb lineColour(const ViewSettings& settings, std::size_t channel) {
-  return settings.textAndLineColors[channel + 1];
-}
+Argb lineColour(const ViewSettings& settings, std::size_t channel) { return settings.textAndLineColors[channel + 1]; }
 
 /// Runs the curve flat from its first computed point to the plot's left edge and from its last one to the right edge.
 void runFlatToTheEdges(std::span<Point> points, const ViewLayout& layout) {
@@ -60,8 +58,7 @@ void runFlatToTheEdges(std::span<Point> points, const ViewLayout& layout) {
 
 }  // namespace
 
-void addWaveforms(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal,
-                  const ViewLayout& layout) {
+void addWaveforms(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal, const ViewLayout& layout) {
   const Rows rows(settings, layout);
   if (rows.scaleSpan <= 0 || signal.windowSize < 2) return;
   const auto sampleCount = static_cast<std::size_t>(signal.windowSize);
@@ -89,8 +86,7 @@ void addLinearSpectra(Polylines& curves, const ViewSettings& settings, const Vie
     const std::span<const double> levels = spectrumOf(settings, signal, channel);
     if (levels.size() < static_cast<std::size_t>(lastBin)) continue;
     // Bins 1 to lastBin − 1, and a point at either edge.
-    const std::span<Point> points =
-        curves.add(lineColour(settings, channel), static_cast<std::size_t>(lastBin) + 1);
+    const std::span<Point> points = curves.add(lineColour(settings, channel), static_cast<std::size_t>(lastBin) + 1);
     for (std::int64_t k = 1; k < lastBin; ++k) {
       const auto at = static_cast<std::size_t>(k);
       points[at] = {column(layout, k, lastBin), rows.ofLinearLevel(levels[at])};

@@ -37,9 +37,7 @@ void addBorder(Polylines& border, const ViewSettings& settings, const Rect& clie
   const Point bottomRight{client.right - 1, client.bottom - 1};
   const Point bottomLeft{client.left, client.bottom - 1};
   switch (settings.borderType) {
-    case 1:
-      addLine(border, settings.borderColor, {topRight, bottomRight, bottomLeft, topLeft, topRight});
-      break;
+    case 1: addLine(border, settings.borderColor, {topRight, bottomRight, bottomLeft, topLeft, topRight}); break;
     case 2:
     case 3: {
       const bool raised = settings.borderType == 2;
@@ -47,8 +45,7 @@ void addBorder(Polylines& border, const ViewSettings& settings, const Rect& clie
       addLine(border, raised ? bevelDark : bevelLight, {bottomLeft, topLeft, topRight});
       break;
     }
-    default:
-      break;
+    default: break;
   }
 }
 
@@ -81,14 +78,11 @@ void buildFurniture(ViewFrame& reused, const ViewSettings& settings, std::uint32
   if (settings.gridVisible && settings.visualizationType < 6) addRulerGrid(reused.grid, settings, layout);
 }
 
-void buildCurves(ViewFrame& reused, const ViewSettings& settings, const ViewSignal& signal,
-                 const ViewLayout& layout) {
+void buildCurves(ViewFrame& reused, const ViewSettings& settings, const ViewSignal& signal, const ViewLayout& layout) {
   reused.curves.clear();
   if (!signal.dataReceived || layout.plotWidth < 1) return;
   switch (settings.visualizationType) {
-    case 1:
-      addWaveforms(reused.curves, settings, signal, layout);
-      break;
+    case 1: addWaveforms(reused.curves, settings, signal, layout); break;
     case 2:
       // Any other axis is the octave axis, as the pointer reads it.
       if (settings.fftViewType == 1) {
@@ -97,8 +91,7 @@ void buildCurves(ViewFrame& reused, const ViewSettings& settings, const ViewSign
         addOctaveSpectra(reused.curves, settings, signal, layout);
       }
       break;
-    default:
-      break;
+    default: break;
   }
 }
 

@@ -48,8 +48,7 @@ class Placement {
     for (std::int64_t i = 1; i <= m_layout.xLabelCount; ++i) {
       const int x = static_cast<int>(m_layout.plotWidth * i / m_layout.xLabelCount);
       std::string text = decimal(xValueAt(m_settings, m_sampleRateHz, m_layout, x));
-      const double left =
-          (static_cast<double>(i) - 0.5) * m_layout.plotWidth / m_layout.xLabelCount + client.left;
+      const double left = (static_cast<double>(i) - 0.5) * m_layout.plotWidth / m_layout.xLabelCount + client.left;
       const double width = static_cast<double>(m_layout.textHeightPx) * static_cast<double>(text.size());
       if (left + width > client.right) continue;
       const int leftPx = truncToInt(left);
@@ -174,9 +173,8 @@ class Placement {
   }
 
   bool touchesAnother(const Rect& box) const {
-    return std::any_of(m_texts.begin(), m_texts.end(), [&](const TextRun& other) {
-      return touch(box, textBox(other.text, other.rect), m_gapPx);
-    });
+    return std::any_of(m_texts.begin(), m_texts.end(),
+                       [&](const TextRun& other) { return touch(box, textBox(other.text, other.rect), m_gapPx); });
   }
 
   bool rowsTouch(int stride, int count) const {
@@ -197,8 +195,7 @@ class Placement {
     const double span = static_cast<double>(m_settings.scaleYMax) - m_settings.scaleYMin;
     const double step = span * rangeDb / 100 / (count + 1) * (mirrored ? 2 : 1);
     const int fromEdge = mirrored ? std::min(k, count + 1 - k) : k;
-    const std::int64_t value =
-        -std::int64_t{truncToInt(fromEdge * step + m_settings.scaleYMin * rangeDb / 100 + 0.5)};
+    const std::int64_t value = -std::int64_t{truncToInt(fromEdge * step + m_settings.scaleYMin * rangeDb / 100 + 0.5)};
 
     Row row;
     row.text = decimal(value);

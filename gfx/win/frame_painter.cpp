@@ -41,7 +41,8 @@ bool FramePainter::fill(std::span<const FilledRect> rects) noexcept {
 bool FramePainter::draw(std::span<const LineSegment> lines) noexcept {
   for (const LineSegment& line : lines) {
     GpPen* const linePen = pen(line.colour);
-    if (!linePen || GdipDrawLineI(m_surface.graphics(), linePen, line.from.x, line.from.y, line.to.x, line.to.y) != Ok) {
+    if (!linePen ||
+        GdipDrawLineI(m_surface.graphics(), linePen, line.from.x, line.from.y, line.to.x, line.to.y) != Ok) {
       return false;
     }
   }
@@ -53,8 +54,7 @@ bool FramePainter::draw(const Polylines& lines) noexcept {
     if (line.pointCount < 2) continue;
     GpPen* const linePen = pen(line.colour);
     const auto* const points = reinterpret_cast<const GpPoint*>(lines.pointsOf(line).data());
-    if (!linePen ||
-        GdipDrawLinesI(m_surface.graphics(), linePen, points, static_cast<INT>(line.pointCount)) != Ok) {
+    if (!linePen || GdipDrawLinesI(m_surface.graphics(), linePen, points, static_cast<INT>(line.pointCount)) != Ok) {
       return false;
     }
   }

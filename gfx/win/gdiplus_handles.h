@@ -12,9 +12,7 @@ struct GdiplusDeleter {
   void operator()(Gdiplus::GpPen* pen) const noexcept { Gdiplus::DllExports::GdipDeletePen(pen); }
   void operator()(Gdiplus::GpBrush* brush) const noexcept { Gdiplus::DllExports::GdipDeleteBrush(brush); }
   void operator()(Gdiplus::GpFont* font) const noexcept { Gdiplus::DllExports::GdipDeleteFont(font); }
-  void operator()(Gdiplus::GpFontFamily* family) const noexcept {
-    Gdiplus::DllExports::GdipDeleteFontFamily(family);
-  }
+  void operator()(Gdiplus::GpFontFamily* family) const noexcept { Gdiplus::DllExports::GdipDeleteFontFamily(family); }
   void operator()(Gdiplus::GpGraphics* graphics) const noexcept { Gdiplus::DllExports::GdipDeleteGraphics(graphics); }
   void operator()(Gdiplus::GpImage* image) const noexcept { Gdiplus::DllExports::GdipDisposeImage(image); }
   void operator()(Gdiplus::GpStringFormat* format) const noexcept {

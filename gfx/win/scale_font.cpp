@@ -53,8 +53,8 @@ FontHandle fontOf(const FontFamilyHandle& family, float points, int style) {
 FontHandle fontOfAnyFamily(float points, int style) {
   GpFontCollection* installed = nullptr;  // the system's, not to be deleted
   INT count = 0;
-  if (GdipNewInstalledFontCollection(&installed) != Ok ||
-      GdipGetFontCollectionFamilyCount(installed, &count) != Ok || count < 1) {
+  if (GdipNewInstalledFontCollection(&installed) != Ok || GdipGetFontCollectionFamilyCount(installed, &count) != Ok ||
+      count < 1) {
     return nullptr;
   }
   std::vector<GpFontFamily*> families(static_cast<std::size_t>(count));

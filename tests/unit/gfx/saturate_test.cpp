@@ -38,11 +38,10 @@ TEST(ClampToInt, KeepsWhatFitsAndStopsAtTheLimits) {
 }
 
 TEST(DecimalLength, EqualsTheLengthOfTheWrittenNumber) {
-  for (const std::int64_t value : {std::int64_t{0}, std::int64_t{9}, std::int64_t{10}, std::int64_t{-1},
-                                   std::int64_t{-9}, std::int64_t{-10}, std::int64_t{99}, std::int64_t{100},
-                                   std::int64_t{22050}, std::int64_t{2147483647}, std::int64_t{-2147483648},
-                                   std::numeric_limits<std::int64_t>::max(),
-                                   std::numeric_limits<std::int64_t>::min()}) {
+  for (const std::int64_t value :
+       {std::int64_t{0}, std::int64_t{9}, std::int64_t{10}, std::int64_t{-1}, std::int64_t{-9}, std::int64_t{-10},
+        std::int64_t{99}, std::int64_t{100}, std::int64_t{22050}, std::int64_t{2147483647}, std::int64_t{-2147483648},
+        std::numeric_limits<std::int64_t>::max(), std::numeric_limits<std::int64_t>::min()}) {
     EXPECT_EQ(static_cast<int>(std::to_string(value).size()), decimalLength(value)) << value;
   }
 }

@@ -49,8 +49,8 @@ class CurvesTest : public testing::Test {
 /// `exact` cut toward zero and clamped; no row where rounding in double may fall on either side.
 int expectedRow(long double exact, int top, int bottom) {
   if (std::fabs(exact - std::round(exact)) < 1e-9L * (1 + std::fabs(exact))) return noRow;
-  return static_cast<int>(std::fmin(static_cast<long double>(bottom),
-                                    std::fmax(static_cast<long double>(top), std::trunc(exact))));
+  return static_cast<int>(
+      std::fmin(static_cast<long double>(bottom), std::fmax(static_cast<long double>(top), std::trunc(exact))));
 }
 
 using Waveforms = CurvesTest;
@@ -68,12 +68,12 @@ TEST_F(Waveforms, StandAtKnownRows) {
   ASSERT_EQ(1u, curves.lines.size());
   EXPECT_EQ(settings.textAndLineColors[1], curves.lines[0].colour);
   ASSERT_EQ(65u, line(0).size());
-  EXPECT_EQ((Point{10, 120}), line(0)[0]);       // the point before the first sample
-  EXPECT_EQ((Point{10, 120}), line(0)[1]);       // silence: the centre, 20 + 100
-  EXPECT_EQ((Point{20, 20}), line(0)[2]);        // full scale: the top edge
-  EXPECT_EQ((Point{30, 220}), line(0)[3]);       // the bottom edge
-  EXPECT_EQ((Point{40, 70}), line(0)[4]);        // half scale
-  EXPECT_EQ((Point{50, 20}), line(0)[5]);        // beyond: clamped
+  EXPECT_EQ((Point{10, 120}), line(0)[0]);  // the point before the first sample
+  EXPECT_EQ((Point{10, 120}), line(0)[1]);  // silence: the centre, 20 + 100
+  EXPECT_EQ((Point{20, 20}), line(0)[2]);   // full scale: the top edge
+  EXPECT_EQ((Point{30, 220}), line(0)[3]);  // the bottom edge
+  EXPECT_EQ((Point{40, 70}), line(0)[4]);   // half scale
+  EXPECT_EQ((Point{50, 20}), line(0)[5]);   // beyond: clamped
   EXPECT_EQ((Point{60, 220}), line(0)[6]);
   EXPECT_EQ((Point{640, 120}), line(0)[64]);
 }
@@ -120,7 +120,8 @@ TEST_F(Waveforms, FollowTheFormulaForEverySizeOfWindowAndPlot) {
           const long double s = arrays[c][static_cast<std::size_t>(i)];
           const long double height = layout.plotHeight;
           const long double y = ((50 - settings.scaleYMin) * height / 100 - s * (height * 0.5L) / 32767) * 100 /
-                                    (settings.scaleYMax - settings.scaleYMin) + layout.plotTop + 0.5L;
+                                    (settings.scaleYMax - settings.scaleYMin) +
+                                layout.plotTop + 0.5L;
           const Point point = line(c)[static_cast<std::size_t>(i) + 1];
           ASSERT_EQ(layout.plotLeft + static_cast<int>(1LL * layout.plotWidth * i / (windowSize - 1)), point.x);
           const int row = expectedRow(y, layout.plotTop, layout.plotTop + layout.plotHeight);
@@ -227,8 +228,8 @@ long compareSpectrum(std::span<const Point> points, const std::vector<double>& l
                      std::size_t firstBin, std::size_t endBin, const Formula& rowOf) {
   long compared = 0;
   for (std::size_t k = firstBin; k < endBin; ++k) {
-    const int row = expectedRow(rowOf(static_cast<long double>(levels[k])), layout.plotTop,
-                                layout.plotTop + layout.plotHeight);
+    const int row =
+        expectedRow(rowOf(static_cast<long double>(levels[k])), layout.plotTop, layout.plotTop + layout.plotHeight);
     if (row == noRow) continue;
     if (row != points[k].y) return -1;
     ++compared;
@@ -258,10 +259,11 @@ TEST_F(LinearSpectra, FollowTheFormulaForEverySizeOfWindowAndPlot) {
           ASSERT_EQ(layout.plotLeft + static_cast<int>(1LL * layout.plotWidth * k / last),
                     line(c)[static_cast<std::size_t>(k)].x);
         }
-        const long equal = compareSpectrum(
-            line(c), arrays[c], layout, 1, static_cast<std::size_t>(last), [&](long double level) {
+        const long equal =
+            compareSpectrum(line(c), arrays[c], layout, 1, static_cast<std::size_t>(last), [&](long double level) {
               return (std::fabs(level) * layout.plotHeight / static_cast<long double>(settings.dynamicRangeDb) -
-                      static_cast<long double>(offset)) * 100 / (settings.scaleYMax - settings.scaleYMin) +
+                      static_cast<long double>(offset)) *
+                         100 / (settings.scaleYMax - settings.scaleYMin) +
                      layout.plotTop;
             });
         ASSERT_GE(equal, 0);
@@ -344,7 +346,8 @@ TEST_F(OctaveSpectra, FollowTheFormulaForEverySizeOfWindowAndPlot) {
       const long equal = compareSpectrum(
           line(0), arrays[0], layout, 1, static_cast<std::size_t>(windowSize) / 2, [&](long double level) {
             return (std::fabs(level) / static_cast<long double>(settings.dynamicRangeDb) * layout.plotHeight -
-                    static_cast<long double>(offset)) * 100 / (settings.scaleYMax - settings.scaleYMin) +
+                    static_cast<long double>(offset)) *
+                       100 / (settings.scaleYMax - settings.scaleYMin) +
                    layout.plotTop + 0.5L;
           });
       ASSERT_GE(equal, 0);

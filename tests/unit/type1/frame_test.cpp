@@ -158,8 +158,8 @@ TEST_F(ViewFrameTest, DrawsNoCurveForTypesWithoutOne) {
 TEST_F(ViewFrameTest, RefillsItsVectorsInPlace) {
   settings.borderType = 2;
   build();
-  const void* const before[] = {frame.strips.data(), frame.border.points.data(), frame.labels.data(),
-                                frame.grid.data(), frame.curves.points.data()};
+  const void* const before[] = {frame.strips.data(), frame.border.points.data(), frame.labels.data(), frame.grid.data(),
+                                frame.curves.points.data()};
   const std::size_t labels = frame.labels.size();
   build();
   EXPECT_EQ(before[0], frame.strips.data());
@@ -174,10 +174,28 @@ TEST_F(ViewFrameTest, RefillsItsVectorsInPlace) {
 // point stays in the plot.
 TEST_F(ViewFrameTest, SurvivesAbsurdSettingsAndKeepsEveryCurveInThePlot) {
   std::mt19937 random(99);
-  const int limits[] = {0, 1, -1, 100, 99, 101, -200, 5000, std::numeric_limits<int>::max(),
-                        std::numeric_limits<int>::min(), std::numeric_limits<int>::max() - 1};
-  const double values[] = {0.0, -0.0, 1.0, -90.0, 1e-300, 1e300, -1e300, std::numeric_limits<double>::infinity(),
-                           -std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN(), 90.3,
+  const int limits[] = {0,
+                        1,
+                        -1,
+                        100,
+                        99,
+                        101,
+                        -200,
+                        5000,
+                        std::numeric_limits<int>::max(),
+                        std::numeric_limits<int>::min(),
+                        std::numeric_limits<int>::max() - 1};
+  const double values[] = {0.0,
+                           -0.0,
+                           1.0,
+                           -90.0,
+                           1e-300,
+                           1e300,
+                           -1e300,
+                           std::numeric_limits<double>::infinity(),
+                           -std::numeric_limits<double>::infinity(),
+                           std::numeric_limits<double>::quiet_NaN(),
+                           90.3,
                            4.9e-324};
   for (int run = 0; run < 6000; ++run) {
     settings.visualizationType = static_cast<int>(random() % 10) - 1;
@@ -193,8 +211,10 @@ TEST_F(ViewFrameTest, SurvivesAbsurdSettingsAndKeepsEveryCurveInThePlot) {
     signal.fullScale = random() % 3 ? 32767.0 : values[random() % 12];
     signal.sampleRateHz = random() % 2 ? 44100u : static_cast<std::uint32_t>(random());
     signal.channelCount = static_cast<int>(random() % 40) - 2;
-    for (double& value : samples) value = random() % 4 ? static_cast<double>(random() % 65536) - 32768 : values[random() % 12];
-    for (auto& slot : signal.analysis) slot = random() % 4 ? std::span<const double>(samples) : std::span<const double>();
+    for (double& value : samples)
+      value = random() % 4 ? static_cast<double>(random() % 65536) - 32768 : values[random() % 12];
+    for (auto& slot : signal.analysis)
+      slot = random() % 4 ? std::span<const double>(samples) : std::span<const double>();
     const int textHeight = static_cast<int>(random() % 70);
     layout = computeLayout(settings, signal.sampleRateHz,
                            {0, 0, static_cast<int>(random() % 900), static_cast<int>(random() % 500)}, textHeight);

@@ -30,21 +30,25 @@ struct View {
   }
 
   bool isUnit(const TextRun& run) const { return run.text == "dB " || run.text == "smpl" || run.text == "Hz  "; }
-  bool isHorizontal(const TextRun& run) const { return run.rect.bottom == layout.client.bottom && run.text != "dB " &&
-                                                       run.rect.height() == layout.xScaleHeightPx; }
+  bool isHorizontal(const TextRun& run) const {
+    return run.rect.bottom == layout.client.bottom && run.text != "dB " && run.rect.height() == layout.xScaleHeightPx;
+  }
 
   std::vector<TextRun> horizontal() const {
     std::vector<TextRun> found;
-    for (const TextRun& run : texts) if (isHorizontal(run) && !isUnit(run)) found.push_back(run);
+    for (const TextRun& run : texts)
+      if (isHorizontal(run) && !isUnit(run)) found.push_back(run);
     return found;
   }
   std::vector<TextRun> vertical() const {
     std::vector<TextRun> found;
-    for (const TextRun& run : texts) if (!isHorizontal(run) && !isUnit(run)) found.push_back(run);
+    for (const TextRun& run : texts)
+      if (!isHorizontal(run) && !isUnit(run)) found.push_back(run);
     return found;
   }
   const TextRun* unit(const std::string& text) const {
-    for (const TextRun& run : texts) if (run.text == text) return &run;
+    for (const TextRun& run : texts)
+      if (run.text == text) return &run;
     return nullptr;
   }
 };
@@ -273,22 +277,20 @@ struct Sums {
 };
 
 void checkPlacement(const View& view, Sums& sums) {
-  const std::string where = std::to_string(view.layout.client.width()) + " x " +
-                            std::to_string(view.layout.client.height()) + ", text " +
-                            std::to_string(view.textHeightPx) + ", type " +
-                            std::to_string(view.settings.visualizationType) + ", range " +
-                            std::to_string(view.settings.dynamicRangeDb);
+  const std::string where =
+      std::to_string(view.layout.client.width()) + " x " + std::to_string(view.layout.client.height()) + ", text " +
+      std::to_string(view.textHeightPx) + ", type " + std::to_string(view.settings.visualizationType) + ", range " +
+      std::to_string(view.settings.dynamicRangeDb);
   const Rect& client = view.layout.client;
   std::vector<Rect> inks;
   for (const TextRun& run : view.texts) inks.push_back(inkOf(run, view.textHeightPx));
   for (std::size_t i = 0; i < inks.size(); ++i) {
     ++sums.texts;
     const TextRun& run = view.texts[i];
-    const bool inXStrip = inks[i].top > client.bottom - view.layout.xScaleHeightPx &&
-                          inks[i].bottom <= client.bottom && inks[i].left >= 0 && inks[i].right <= client.right;
-    const bool inYStrip = inks[i].left > client.right - view.layout.yScaleWidthPx &&
-                          inks[i].right <= client.right && inks[i].top >= 0 &&
-                          inks[i].bottom <= view.layout.plotTop + view.layout.plotHeight;
+    const bool inXStrip = inks[i].top > client.bottom - view.layout.xScaleHeightPx && inks[i].bottom <= client.bottom &&
+                          inks[i].left >= 0 && inks[i].right <= client.right;
+    const bool inYStrip = inks[i].left > client.right - view.layout.yScaleWidthPx && inks[i].right <= client.right &&
+                          inks[i].top >= 0 && inks[i].bottom <= view.layout.plotTop + view.layout.plotHeight;
     ASSERT_TRUE(view.isHorizontal(run) ? inXStrip : inYStrip) << run.text << " in " << where;
     for (std::size_t other = 0; other < i; ++other) {
       ASSERT_FALSE(touch(inks[i], inks[other])) << run.text << " and " << view.texts[other].text << " in " << where;

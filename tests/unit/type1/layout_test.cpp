@@ -15,7 +15,7 @@ constexpr Rect client(int width, int height) { return {0, 0, width, height}; }
 TEST(ViewLayout, DividesTheDefaultViewOf640By400WithA13PixelFont) {
   const ViewLayout layout = computeLayout(ViewSettings{}, 44100, client(640, 400), 13);
   EXPECT_EQ(13, layout.textHeightPx);
-  EXPECT_EQ(23, layout.xScaleHeightPx);       // 13 + 10
+  EXPECT_EQ(23, layout.xScaleHeightPx);           // 13 + 10
   EXPECT_EQ((2 + 2) * 13, layout.yScaleWidthPx);  // "90" has two characters
   EXPECT_EQ(0, layout.plotLeft);
   EXPECT_EQ(0, layout.plotTop);
@@ -120,14 +120,14 @@ TEST(ViewLayout, SnapsTheVerticalStep) {
     settings.dynamicRangeDb = rangeDb;
     return computeLayout(settings, 44100, client(500, height), 12).yDivisionCount;  // 20 pixels a division
   };
-  EXPECT_EQ(3, divisions(90, 60));    // 90 ÷ 3 = 30 → 30 → 3
-  EXPECT_EQ(4, divisions(90, 80));    // 90 ÷ 4 = 22 → 20 → 4
-  EXPECT_EQ(9, divisions(90, 100));   // 90 ÷ 5 = 18 → 10 → 9
-  EXPECT_EQ(18, divisions(90, 200));  // 90 ÷ 10 = 9 → 5 → 18
-  EXPECT_EQ(22, divisions(90, 400));  // 90 ÷ 20 = 4 → 4 → 22
-  EXPECT_EQ(45, divisions(90, 600));  // 90 ÷ 30 = 3 → 2 → 45
-  EXPECT_EQ(90, divisions(90, 1000)); // 90 ÷ 50 = 1 → 1 (2·(1 ÷ 2) is 0) → 90
-  EXPECT_EQ(5, divisions(5, 1000));   // no more divisions than dB
+  EXPECT_EQ(3, divisions(90, 60));       // 90 ÷ 3 = 30 → 30 → 3
+  EXPECT_EQ(4, divisions(90, 80));       // 90 ÷ 4 = 22 → 20 → 4
+  EXPECT_EQ(9, divisions(90, 100));      // 90 ÷ 5 = 18 → 10 → 9
+  EXPECT_EQ(18, divisions(90, 200));     // 90 ÷ 10 = 9 → 5 → 18
+  EXPECT_EQ(22, divisions(90, 400));     // 90 ÷ 20 = 4 → 4 → 22
+  EXPECT_EQ(45, divisions(90, 600));     // 90 ÷ 30 = 3 → 2 → 45
+  EXPECT_EQ(90, divisions(90, 1000));    // 90 ÷ 50 = 1 → 1 (2·(1 ÷ 2) is 0) → 90
+  EXPECT_EQ(5, divisions(5, 1000));      // no more divisions than dB
   EXPECT_EQ(100, divisions(186, 1900));  // 186 ÷ 95 = 1 → 1 → 186, at most 100
   EXPECT_EQ(0, divisions(90, 19));
   EXPECT_EQ(0, divisions(0, 400));
@@ -150,18 +150,27 @@ ViewLayout literalLayout(const ViewSettings& settings, std::uint32_t rate, int w
   const std::int64_t top = truncated(settings.scaleYMax * settings.dynamicRangeDb / 100);
   const std::int64_t bottom = truncated(settings.scaleYMin * settings.dynamicRangeDb / 100);
   std::int64_t xScale = settings.scaleXVisible != 0 ? textHeight + 10 : 0;
-  std::int64_t yScale = settings.scaleYVisible != 0
-                            ? (static_cast<std::int64_t>(std::to_string(top).size()) + 2) * textHeight : 0;
+  std::int64_t yScale =
+      settings.scaleYVisible != 0 ? (static_cast<std::int64_t>(std::to_string(top).size()) + 2) * textHeight : 0;
   std::int64_t plotHeight = height - xScale;
-  if (plotHeight < xScale) { plotHeight = height; xScale = 0; }
+  if (plotHeight < xScale) {
+    plotHeight = height;
+    xScale = 0;
+  }
   std::int64_t plotWidth = width - yScale;
-  if (plotWidth < yScale) { plotWidth = width; yScale = 0; }
-  const std::string largest = settings.visualizationType < 2 ? std::to_string(settings.fftWindowSize)
-                                                             : std::to_string(rate / 2);
+  if (plotWidth < yScale) {
+    plotWidth = width;
+    yScale = 0;
+  }
+  const std::string largest =
+      settings.visualizationType < 2 ? std::to_string(settings.fftWindowSize) : std::to_string(rate / 2);
   const std::int64_t perLabel = (static_cast<std::int64_t>(largest.size()) + 1) * textHeight * 2 / 3;
   std::int64_t labels = perLabel > 0 ? plotWidth / perLabel : 0;
   for (const int snap : {20, 10, 5, 2, 1}) {
-    if (labels >= snap) { labels = snap; break; }
+    if (labels >= snap) {
+      labels = snap;
+      break;
+    }
   }
   std::int64_t c = plotHeight / (textHeight + 8);
   const std::int64_t r = top - bottom;
@@ -175,15 +184,29 @@ ViewLayout literalLayout(const ViewSettings& settings, std::uint32_t rate, int w
   } else {
     c = 0;
   }
-  return {client(width, height), textHeight, static_cast<int>(yScale), static_cast<int>(xScale), 0, 0,
-          static_cast<int>(plotWidth), static_cast<int>(plotHeight), static_cast<int>(labels), static_cast<int>(c)};
+  return {client(width, height),
+          textHeight,
+          static_cast<int>(yScale),
+          static_cast<int>(xScale),
+          0,
+          0,
+          static_cast<int>(plotWidth),
+          static_cast<int>(plotHeight),
+          static_cast<int>(labels),
+          static_cast<int>(c)};
 }
 
 TEST(ViewLayout, AgreesWithTheLiteralStepsForRandomAndAbsurdSettings) {
   std::mt19937 random(20);
   const int limits[] = {0, 100, -1, 50, 1000, std::numeric_limits<int>::max(), std::numeric_limits<int>::min()};
-  const double ranges[] = {90.308733622833976, 0.0, -60.0, 1e300, std::numeric_limits<double>::infinity(),
-                           std::numeric_limits<double>::quiet_NaN(), 42.07, 186.6};
+  const double ranges[] = {90.308733622833976,
+                           0.0,
+                           -60.0,
+                           1e300,
+                           std::numeric_limits<double>::infinity(),
+                           std::numeric_limits<double>::quiet_NaN(),
+                           42.07,
+                           186.6};
   for (int run = 0; run < 20000; ++run) {
     ViewSettings settings;
     settings.scaleYMin = limits[random() % 7];
@@ -204,8 +227,7 @@ TEST(ViewLayout, AgreesWithTheLiteralStepsForRandomAndAbsurdSettings) {
 }
 
 TEST(ViewLayout, SurvivesAFontLargerThanAnyScreen) {
-  const ViewLayout layout =
-      computeLayout(ViewSettings{}, 44100, client(640, 400), std::numeric_limits<int>::max());
+  const ViewLayout layout = computeLayout(ViewSettings{}, 44100, client(640, 400), std::numeric_limits<int>::max());
   EXPECT_EQ(0, layout.xScaleHeightPx);
   EXPECT_EQ(0, layout.yScaleWidthPx);
   EXPECT_EQ(0, layout.xLabelCount);

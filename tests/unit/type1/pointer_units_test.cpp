@@ -107,10 +107,12 @@ TEST(PointerUnits, AgreeWithTheRulesInWiderPrecisionForRandomViews) {
     const long double span = (static_cast<long double>(settings.scaleYMax) - settings.scaleYMin) / 100;
     const long double nyquist = static_cast<long double>(rate) / 2;
     if (settings.visualizationType >= 2 && settings.visualizationType <= 6) {
-      check(settings.fftViewType == 1
-                ? nyquist * x / wp + 0.5L
-                : nyquist / std::pow(2.0L, (wp - x) * std::log2(static_cast<long double>(settings.fftWindowSize)) / wp) + 0.5L,
-            value.xValue);
+      check(
+          settings.fftViewType == 1
+              ? nyquist * x / wp + 0.5L
+              : nyquist / std::pow(2.0L, (wp - x) * std::log2(static_cast<long double>(settings.fftWindowSize)) / wp) +
+                    0.5L,
+          value.xValue);
       check(span * dr * (hp - y) / hp - top + 0.5L, value.yValue);
     } else {
       check(settings.fftWindowSize * static_cast<long double>(x) / wp + 0.5L, value.xValue);
@@ -125,7 +127,8 @@ TEST(PointerUnits, SaturateForAViewWithoutWidthAndAbsurdScales) {
   ViewSettings settings;
   settings.scaleYMin = std::numeric_limits<int>::min();
   settings.scaleYMax = std::numeric_limits<int>::max();
-  for (const double range : {1e300, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
+  for (const double range :
+       {1e300, std::numeric_limits<double>::infinity(), std::numeric_limits<double>::quiet_NaN()}) {
     settings.dynamicRangeDb = range;
     for (int type = 0; type < 9; ++type) {
       settings.visualizationType = type;

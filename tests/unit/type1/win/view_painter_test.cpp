@@ -60,8 +60,8 @@ class ViewPainterTest : public testing::Test {
       values[channel].resize(1024);
       for (std::size_t i = 0; i < 1024; ++i) {
         const double t = static_cast<double>(i) / 1024;
-        values[channel][i] = channel == 0 ? 30000 * t * std::sin(t * 40 * std::numbers::pi)
-                                          : 15000 * std::cos(t * 6 * std::numbers::pi);
+        values[channel][i] =
+            channel == 0 ? 30000 * t * std::sin(t * 40 * std::numbers::pi) : 15000 * std::cos(t * 6 * std::numbers::pi);
       }
     }
     show();
