@@ -18,9 +18,7 @@ extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEn
 }
 
 // [any thread]
-STDAPI DllCanUnloadNow() {
-  return av::theModule().isLocked() ? S_FALSE : S_OK;
-}
+STDAPI DllCanUnloadNow() { return av::theModule().isLocked() ? S_FALSE : S_OK; }
 
 // [any thread]
 STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
@@ -28,11 +26,7 @@ STDAPI DllGetClassObject(REFCLSID clsid, REFIID iid, void** object) {
 }
 
 // [any thread]
-STDAPI DllRegisterServer() {
-  return av::registerModule(av::theModule());
-}
+STDAPI DllRegisterServer() { return av::registerModule(av::theModule()); }
 
 // [any thread]
-STDAPI DllUnregisterServer() {
-  return av::unregisterModule(av::theModule());
-}
+STDAPI DllUnregisterServer() { return av::unregisterModule(av::theModule()); }

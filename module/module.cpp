@@ -44,13 +44,9 @@ bool CQELAudioVisualization4Module::initialise(HINSTANCE instance) noexcept {
   }
 }
 
-std::span<const ClassEntry> CQELAudioVisualization4Module::classes() noexcept {
-  return objectMap;
-}
+std::span<const ClassEntry> CQELAudioVisualization4Module::classes() noexcept { return objectMap; }
 
-const GUID& CQELAudioVisualization4Module::applicationId() noexcept {
-  return LIBID_QELAudioVisualization4;
-}
+const GUID& CQELAudioVisualization4Module::applicationId() noexcept { return LIBID_QELAudioVisualization4; }
 
 HRESULT CQELAudioVisualization4Module::getClassObject(REFCLSID clsid, REFIID iid, void** object) noexcept {
   if (object == nullptr) return E_POINTER;
@@ -75,17 +71,11 @@ CQELAudioVisualization4Module& theModule() noexcept {
 // What the generic framework asks of the binary that it is linked into.
 namespace ole {
 
-ModuleLock& moduleLock() noexcept {
-  return theModule();
-}
+ModuleLock& moduleLock() noexcept { return theModule(); }
 
-HINSTANCE moduleInstance() noexcept {
-  return theModule().instance();
-}
+HINSTANCE moduleInstance() noexcept { return theModule().instance(); }
 
-HRESULT loadModuleTypeLibrary(ITypeLib** library) noexcept {
-  return theModule().loadTypeLibrary(library);
-}
+HRESULT loadModuleTypeLibrary(ITypeLib** library) noexcept { return theModule().loadTypeLibrary(library); }
 
 }  // namespace ole
 }  // namespace av

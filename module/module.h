@@ -22,7 +22,7 @@ struct ClassEntry {
 
 /// The DLL as one object: what it serves, who it is, and how many things hold it.
 class CQELAudioVisualization4Module final : public ole::ModuleLock {
-public:
+ public:
   /// Remembers the DLL's instance and path. [loader lock]
   /// @return false when the path cannot be had; the DLL must not load then.
   bool initialise(HINSTANCE instance) noexcept;
@@ -46,7 +46,7 @@ public:
   [[nodiscard]] HINSTANCE instance() const noexcept { return m_instance; }
   [[nodiscard]] const std::wstring& path() const noexcept { return m_path; }
 
-private:
+ private:
   HINSTANCE m_instance = nullptr;
   std::wstring m_path;
   std::atomic<long> m_lockCount{0};

@@ -21,7 +21,7 @@ using ole::IRegistrar;
 
 /// COM for the calling thread, which may have started it already, in either mode.
 class ComScope {
-public:
+ public:
   ComScope() noexcept : m_result(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) {}
   ~ComScope() {
     if (SUCCEEDED(m_result)) CoUninitialize();
@@ -29,7 +29,7 @@ public:
   ComScope(const ComScope&) = delete;
   ComScope& operator=(const ComScope&) = delete;
 
-private:
+ private:
   HRESULT m_result;
 };
 
@@ -96,8 +96,8 @@ HRESULT writeTypeLibrary(const CQELAudioVisualization4Module& module) {
 
 /// Whether the registry has this build's entry of the type library: 32-bit and 64-bit entries stand side by side.
 bool typeLibraryIsRegistered(const TLIBATTR& attributes) {
-  const std::wstring key =
-      L"TypeLib\\" + guidText(attributes.guid) + (attributes.syskind == SYS_WIN64 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32");
+  const std::wstring key = L"TypeLib\\" + guidText(attributes.guid) +
+                           (attributes.syskind == SYS_WIN64 ? L"\\1.0\\0\\win64" : L"\\1.0\\0\\win32");
   HKEY opened = nullptr;
   if (RegOpenKeyExW(HKEY_CLASSES_ROOT, key.c_str(), 0, KEY_READ, &opened) != ERROR_SUCCESS) return false;
   RegCloseKey(opened);
@@ -133,7 +133,8 @@ HRESULT removeAll(const CQELAudioVisualization4Module& module) {
   const auto note = [&first](HRESULT result) {
     if (FAILED(result) && SUCCEEDED(first)) first = result;
   };
-  for (const ClassEntry& entry : CQELAudioVisualization4Module::classes()) note(runClassScript(module, entry, Mode::remove));
+  for (const ClassEntry& entry : CQELAudioVisualization4Module::classes())
+    note(runClassScript(module, entry, Mode::remove));
   note(removeTypeLibrary(module));
   note(runApplicationScript(module, Mode::remove));
   return first;

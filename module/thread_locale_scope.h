@@ -6,13 +6,13 @@ namespace av {
 
 /// Gives the calling thread another locale for as long as it lives.
 class ThreadLocaleScope {
-public:
+ public:
   explicit ThreadLocaleScope(LCID locale) noexcept : m_saved(GetThreadLocale()) { SetThreadLocale(locale); }
   ~ThreadLocaleScope() { SetThreadLocale(m_saved); }
   ThreadLocaleScope(const ThreadLocaleScope&) = delete;
   ThreadLocaleScope& operator=(const ThreadLocaleScope&) = delete;
 
-private:
+ private:
   LCID m_saved;
 };
 

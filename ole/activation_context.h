@@ -11,7 +11,7 @@ namespace av::ole {
 /// Contexts of one thread end in the reverse order of their beginning: keep it in one block, around the calls
 /// that need it, and do not dispatch messages within.
 class OwnActivationContext {
-public:
+ public:
   OwnActivationContext() noexcept;
   ~OwnActivationContext();
   OwnActivationContext(const OwnActivationContext&) = delete;
@@ -19,7 +19,7 @@ public:
 
   [[nodiscard]] bool active() const noexcept { return m_cookie != 0; }
 
-private:
+ private:
   HANDLE m_context = INVALID_HANDLE_VALUE;
   ULONG_PTR m_cookie = 0;
 };

@@ -7,8 +7,9 @@ namespace av::ole {
 namespace {
 
 class ClassFactory final : public IClassFactory {
-public:
-  ClassFactory(CreateFunction create, ModuleLock& lock) noexcept : m_moduleReference(lock), m_lock(lock), m_create(create) {}
+ public:
+  ClassFactory(CreateFunction create, ModuleLock& lock) noexcept
+      : m_moduleReference(lock), m_lock(lock), m_create(create) {}
   ClassFactory(const ClassFactory&) = delete;
   ClassFactory& operator=(const ClassFactory&) = delete;
 
@@ -51,14 +52,12 @@ public:
 
   // [any thread]
   STDMETHODIMP LockServer(BOOL lock) override {
-    if (lock)
-      m_lock.lockModule();
-    else
-      m_lock.unlockModule();
+    if (lock) m_lock.lockModule();
+    else m_lock.unlockModule();
     return S_OK;
   }
 
-private:
+ private:
   ~ClassFactory() = default;
 
   ModuleReference m_moduleReference;

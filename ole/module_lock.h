@@ -8,7 +8,7 @@ struct ModuleLock {
   virtual void lockModule() noexcept = 0;
   virtual void unlockModule() noexcept = 0;
 
-protected:
+ protected:
   ~ModuleLock() = default;
 };
 
@@ -18,13 +18,13 @@ ModuleLock& moduleLock() noexcept;  // [any thread]
 /// One count on a module lock for as long as it lives. An object has it as its first member, so that the count goes
 /// back after everything else of the object is gone.
 class ModuleReference {
-public:
+ public:
   explicit ModuleReference(ModuleLock& lock = moduleLock()) noexcept : m_lock(lock) { m_lock.lockModule(); }
   ~ModuleReference() { m_lock.unlockModule(); }
   ModuleReference(const ModuleReference&) = delete;
   ModuleReference& operator=(const ModuleReference&) = delete;
 
-private:
+ private:
   ModuleLock& m_lock;
 };
 

@@ -29,7 +29,7 @@ struct Architecture {
 
 /// Runs for the DLL of each architecture that has been built.
 class DllFile : public testing::TestWithParam<Architecture> {
-protected:
+ protected:
   void SetUp() override {
     const bool own = GetParam().machine == (sizeof(void*) == 8 ? PeFile::machineX64 : PeFile::machineX86);
     path = own ? dllPath()
@@ -143,8 +143,7 @@ TEST_P(DllFile, CarriesTheTypeLibraryThatLiesBesideIt) {
 TEST_P(DllFile, CarriesItsSideBySideManifest) {
   const std::string manifest = textResource(MAKEINTRESOURCEW(24), 2);
   EXPECT_NE(std::string::npos, manifest.find("{62D89C1C-1C5B-467C-944F-F822CB0D6278}"));
-  EXPECT_NE(std::string::npos,
-            manifest.find(GetParam().machine == PeFile::machineX64 ? "\"amd64\"" : "\"x86\""));
+  EXPECT_NE(std::string::npos, manifest.find(GetParam().machine == PeFile::machineX64 ? "\"amd64\"" : "\"x86\""));
 }
 
 struct Pixel {
@@ -188,12 +187,9 @@ TEST_P(DllFile, CarriesThreeGradientsOnePixelWide) {
   EXPECT_TRUE(tops[2].green > 120 && tops[2].red < 80 && tops[2].blue < 120) << "green";
 }
 
-INSTANTIATE_TEST_SUITE_P(Of, DllFile,
-                         testing::Values(Architecture{L"x64", PeFile::machineX64},
-                                         Architecture{L"x86", PeFile::machineX86}),
-                         [](const auto& instance) {
-                           return instance.param.machine == PeFile::machineX64 ? "x64" : "x86";
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Of, DllFile, testing::Values(Architecture{L"x64", PeFile::machineX64}, Architecture{L"x86", PeFile::machineX86}),
+    [](const auto& instance) { return instance.param.machine == PeFile::machineX64 ? "x64" : "x86"; });
 
 }  // namespace
 }  // namespace av::test

@@ -126,8 +126,7 @@ bool isBelow(const std::wstring& key, const std::wstring& path) {
 /// Whether an entry is one that the system writes when it registers a type library.
 bool isTypeLibraryEntry(const std::wstring& path) {
   for (const std::wstring& each : ownKeys())
-    if ((each.find(L"TypeLib") == 0 || each.find(L"Interface") != std::wstring::npos) &&
-        isBelow(each, path))
+    if ((each.find(L"TypeLib") == 0 || each.find(L"Interface") != std::wstring::npos) && isBelow(each, path))
       return true;
   return false;
 }
@@ -147,7 +146,7 @@ DWORD run(std::wstring commandLine) {
 }
 
 class Registration : public testing::Test {
-protected:
+ protected:
   void SetUp() override {
     ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
     // Whatever an earlier run or a demonstration left.
@@ -264,7 +263,7 @@ TEST_F(Registration, WorksFromAFolderWithAnApostrophe) {
 
 /// The thread's locale for one test; German (Austria) is nobody's default here.
 class RegistrationLocale : public Registration {
-protected:
+ protected:
   static constexpr LCID other = MAKELCID(MAKELANGID(LANG_GERMAN, SUBLANG_GERMAN_AUSTRIAN), SORT_DEFAULT);
   void SetUp() override {
     Registration::SetUp();
@@ -276,7 +275,7 @@ protected:
     Registration::TearDown();
   }
 
-private:
+ private:
   LCID m_saved = 0;
 };
 

@@ -30,7 +30,7 @@ const Class classes[] = {
 
 /// A manifest that is active on the thread for as long as the object lives.
 class ActiveManifest {
-public:
+ public:
   explicit ActiveManifest(const ACTCTXW& request) : m_context(CreateActCtxW(&request)) {
     if (m_context != INVALID_HANDLE_VALUE && !ActivateActCtx(m_context, &m_cookie)) m_cookie = 0;
   }
@@ -42,7 +42,7 @@ public:
   ActiveManifest& operator=(const ActiveManifest&) = delete;
   bool active() const { return m_cookie != 0; }
 
-private:
+ private:
   HANDLE m_context;
   ULONG_PTR m_cookie = 0;
 };
@@ -65,7 +65,7 @@ ACTCTXW manifestOfModule(HMODULE module) {
 }
 
 class SideBySide : public testing::Test {
-protected:
+ protected:
   void SetUp() override {
     ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
     const LoadedDll dll;
@@ -175,7 +175,7 @@ TEST_F(SideBySide, MarshalsATickWithTheManifestInTheDllAlone) {
 }
 
 class ModuleLifetime : public testing::Test {
-protected:
+ protected:
   void SetUp() override {
     ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
     ASSERT_EQ(S_OK, dll.canUnloadNow());
@@ -245,7 +245,8 @@ TEST(ModuleUnloading, LeavesNothingLoadedAfterTheLastObject) {
     const std::wstring path = besideProgram(L"QELAudioVisualization4.manifest");
     const ActiveManifest manifest(manifestFile(path));
     ComPtr<IUnknown> control;
-    ASSERT_EQ(S_OK, CoCreateInstance(CLSID_CAudioVisualization4Type1, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)));
+    ASSERT_EQ(S_OK,
+              CoCreateInstance(CLSID_CAudioVisualization4Type1, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)));
     EXPECT_NE(nullptr, GetModuleHandleW(L"QELAudioVisualization4.dll"));
     CoFreeUnusedLibrariesEx(0, 0);
     EXPECT_NE(nullptr, GetModuleHandleW(L"QELAudioVisualization4.dll")) << "a control still lives";

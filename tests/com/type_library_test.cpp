@@ -59,33 +59,15 @@ const std::vector<Property> viewProperties = {
 };
 
 const std::vector<Property> meterProperties = {
-    {L"LineType", 7, I4},
-    {L"LineInterval", 8, I4},
-    {L"LineCount", 9, I4},
-    {L"BackColor", 11, OLE},
-    {L"BorderColor", 13, OLE},
-    {L"LineLowColor", 14, OLE},
-    {L"LineMidColor", 15, OLE},
-    {L"LineHighColor", 16, OLE},
-    {L"BackLineLowColor", 17, OLE},
-    {L"BackLineMidColor", 18, OLE},
-    {L"BackLineHighColor", 19, OLE},
-    {L"TickDelayTime", 30, I4},
-    {L"TickReleaseTime", 31, I4},
-    {L"TickVisible", 32, BOOLEAN_},
-    {L"SpotHeight", 33, I4},
-    {L"SpotInterval", 34, I4},
-    {L"MidPoint", 35, I4},
-    {L"HighPoint", 36, I4},
-    {L"AlignmentY", 40, I4},
-    {L"AlignmentX", 41, I4},
-    {L"BorderType", 45, I4},
-    {L"BorderWidth", 46, I4},
-    {L"AutoRepaint", 50, BOOLEAN_},
-    {L"AutoSize", 51, BOOLEAN_},
-    {L"FFTWindowSize", 60, I4},
-    {L"FFTWindowType", 61, I4},
-    {L"FFTViewType", 62, I4},
+    {L"LineType", 7, I4},           {L"LineInterval", 8, I4},        {L"LineCount", 9, I4},
+    {L"BackColor", 11, OLE},        {L"BorderColor", 13, OLE},       {L"LineLowColor", 14, OLE},
+    {L"LineMidColor", 15, OLE},     {L"LineHighColor", 16, OLE},     {L"BackLineLowColor", 17, OLE},
+    {L"BackLineMidColor", 18, OLE}, {L"BackLineHighColor", 19, OLE}, {L"TickDelayTime", 30, I4},
+    {L"TickReleaseTime", 31, I4},   {L"TickVisible", 32, BOOLEAN_},  {L"SpotHeight", 33, I4},
+    {L"SpotInterval", 34, I4},      {L"MidPoint", 35, I4},           {L"HighPoint", 36, I4},
+    {L"AlignmentY", 40, I4},        {L"AlignmentX", 41, I4},         {L"BorderType", 45, I4},
+    {L"BorderWidth", 46, I4},       {L"AutoRepaint", 50, BOOLEAN_},  {L"AutoSize", 51, BOOLEAN_},
+    {L"FFTWindowSize", 60, I4},     {L"FFTWindowType", 61, I4},      {L"FFTViewType", 62, I4},
 };
 
 const std::vector<Property> analyserProperties = {
@@ -150,7 +132,9 @@ const std::vector<Function> templateFunctions = {
     {L"SendAudioData", 0xaae62, INVOKE_FUNC, {{L"AudioData", Type::unknown, in}}},
     {L"Repaint", 0xaae63, INVOKE_FUNC, {}},
     {L"SetAdditionalParam", 0xaae64, INVOKE_FUNC, {{L"ParamName", Type::text, in}, {L"ParamValue", Type::variant, in}}},
-    {L"GetAdditionalParam", 0xaae65, INVOKE_FUNC,
+    {L"GetAdditionalParam",
+     0xaae65,
+     INVOKE_FUNC,
      {{L"ParamName", Type::text, in}, {L"ParamValue", Type::variantPointer, PARAMFLAG_FIN | PARAMFLAG_FOUT}}},
 };
 
@@ -232,9 +216,7 @@ ComPtr<ITypeInfo> implemented(ITypeInfo* info, UINT index) {
 }
 
 /// The vtable side of a dual interface, which the type library hands out as its dispatch side.
-ComPtr<ITypeInfo> vtableSide(ITypeInfo* dispatchSide) {
-  return implemented(dispatchSide, static_cast<UINT>(-1));
-}
+ComPtr<ITypeInfo> vtableSide(ITypeInfo* dispatchSide) { return implemented(dispatchSide, static_cast<UINT>(-1)); }
 
 /// The identifier of the type that a reference leads to, and whether that type lives in the system's stdole2.tlb.
 GUID referred(ITypeInfo* info, HREFTYPE reference, bool& standard) {
@@ -267,7 +249,8 @@ std::optional<Type> typeOf(ITypeInfo* info, const TYPEDESC& type) {
       return std::nullopt;
     case VT_PTR:
       if (type.lptdesc->vt == VT_VARIANT) return Type::variantPointer;
-      if (type.lptdesc->vt == VT_USERDEFINED && referred(info, type.lptdesc->hreftype, standard) == fontDispId && standard)
+      if (type.lptdesc->vt == VT_USERDEFINED && referred(info, type.lptdesc->hreftype, standard) == fontDispId &&
+          standard)
         return Type::font;
       return std::nullopt;
     default: return std::nullopt;
@@ -311,13 +294,11 @@ void expectFunction(ITypeInfo* info, UINT index, const Function& expected, int s
   }
 }
 
-std::string narrow(const std::wstring& text) {
-  return {text.begin(), text.end()};
-}
+std::string narrow(const std::wstring& text) { return {text.begin(), text.end()}; }
 
 /// Runs once over the file that lies beside the DLL and once over the DLL's own resource.
 class TypeLibrary : public testing::TestWithParam<const wchar_t*> {
-protected:
+ protected:
   void SetUp() override {
     const std::wstring path = besideProgram(GetParam());
     ASSERT_EQ(S_OK, LoadTypeLibEx(path.c_str(), REGKIND_NONE, &m_library)) << narrow(path);
@@ -345,7 +326,8 @@ protected:
     EXPECT_EQ(TKIND_INTERFACE, attributes->typekind);
     constexpr WORD flags = TYPEFLAG_FDUAL | TYPEFLAG_FOLEAUTOMATION | TYPEFLAG_FNONEXTENSIBLE | TYPEFLAG_FDISPATCHABLE;
     EXPECT_EQ(flags, attributes->wTypeFlags);
-    EXPECT_EQ((firstSlot + static_cast<int>(functions.size())) * static_cast<int>(sizeof(void*)), attributes->cbSizeVft);
+    EXPECT_EQ((firstSlot + static_cast<int>(functions.size())) * static_cast<int>(sizeof(void*)),
+              attributes->cbSizeVft);
     EXPECT_EQ(0, attributes->cVars);
     ASSERT_EQ(1, attributes->cImplTypes);
     EXPECT_EQ(base, attributesOf(implemented(info.Get(), 0).Get())->guid);
@@ -386,14 +368,10 @@ TEST_P(TypeLibrary, HoldsFourDualInterfacesOneEventInterfaceAndThreeClasses) {
     found[take(name)] = kind;
   }
   const std::map<std::wstring, TYPEKIND> expected = {
-      {L"IAudioVisualizationTemplate", TKIND_DISPATCH},
-      {L"IAudioVisualization4Type1", TKIND_DISPATCH},
-      {L"IAudioVisualization4Type2", TKIND_DISPATCH},
-      {L"IAudioVisualization4Type3", TKIND_DISPATCH},
-      {L"_IAudioVisualization4Type1Events", TKIND_DISPATCH},
-      {L"CAudioVisualization4Type1", TKIND_COCLASS},
-      {L"CAudioVisualization4Type2", TKIND_COCLASS},
-      {L"CAudioVisualization4Type3", TKIND_COCLASS},
+      {L"IAudioVisualizationTemplate", TKIND_DISPATCH},      {L"IAudioVisualization4Type1", TKIND_DISPATCH},
+      {L"IAudioVisualization4Type2", TKIND_DISPATCH},        {L"IAudioVisualization4Type3", TKIND_DISPATCH},
+      {L"_IAudioVisualization4Type1Events", TKIND_DISPATCH}, {L"CAudioVisualization4Type1", TKIND_COCLASS},
+      {L"CAudioVisualization4Type2", TKIND_COCLASS},         {L"CAudioVisualization4Type3", TKIND_COCLASS},
   };
   EXPECT_EQ(expected, found);
 }
@@ -445,7 +423,8 @@ TEST_P(TypeLibrary, ResolvesEveryNameInAnyLetterCase) {
     for (auto [name, memberId] : names) {
       SCOPED_TRACE(narrow(name));
       EXPECT_EQ(name, nameOf(info.Get(), memberId));
-      std::transform(name.begin(), name.end(), name.begin(), [](wchar_t c) { return static_cast<wchar_t>(towupper(c)); });
+      std::transform(name.begin(), name.end(), name.begin(),
+                     [](wchar_t c) { return static_cast<wchar_t>(towupper(c)); });
       LPOLESTR asked = name.data();
       MEMBERID found = MEMBERID_NIL;
       EXPECT_EQ(S_OK, info->GetIDsOfNames(&asked, 1, &found));
@@ -506,7 +485,8 @@ TEST_P(TypeLibrary, NamesEachClassItsInterfaces) {
     std::vector<std::pair<GUID, INT>> interfaces;
   };
   const Class classes[] = {
-      {viewClassId, L"CAudioVisualization4Type1",
+      {viewClassId,
+       L"CAudioVisualization4Type1",
        {{viewId, IMPLTYPEFLAG_FDEFAULT}, {eventsId, IMPLTYPEFLAG_FDEFAULT | IMPLTYPEFLAG_FSOURCE}}},
       {meterClassId, L"CAudioVisualization4Type2", {{meterId, IMPLTYPEFLAG_FDEFAULT}}},
       {analyserClassId, L"CAudioVisualization4Type3", {{analyserId, IMPLTYPEFLAG_FDEFAULT}}},

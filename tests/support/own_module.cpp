@@ -21,21 +21,15 @@ ProgramLock programLock;
 
 }  // namespace
 
-long ownModuleLockCount() {
-  return programLock.count;
-}
+long ownModuleLockCount() { return programLock.count; }
 
 }  // namespace av::test
 
 namespace av::ole {
 
-ModuleLock& moduleLock() noexcept {
-  return test::programLock;
-}
+ModuleLock& moduleLock() noexcept { return test::programLock; }
 
-HINSTANCE moduleInstance() noexcept {
-  return GetModuleHandleW(nullptr);
-}
+HINSTANCE moduleInstance() noexcept { return GetModuleHandleW(nullptr); }
 
 // The program carries no type library of its own; the build lays the DLL's beside it.
 HRESULT loadModuleTypeLibrary(ITypeLib** library) noexcept {

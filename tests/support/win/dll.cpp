@@ -26,9 +26,7 @@ std::wstring besideProgram(const std::wstring& name) {
   return full;
 }
 
-std::wstring dllPath() {
-  return besideProgram(L"QELAudioVisualization4.dll");
-}
+std::wstring dllPath() { return besideProgram(L"QELAudioVisualization4.dll"); }
 
 LoadedDll::LoadedDll(const std::wstring& path) : m_module(LoadLibraryW(path.c_str())) {}
 
@@ -36,21 +34,15 @@ LoadedDll::~LoadedDll() {
   if (m_module != nullptr) FreeLibrary(m_module);
 }
 
-HRESULT LoadedDll::canUnloadNow() const {
-  return callPlain(m_module, "DllCanUnloadNow");
-}
+HRESULT LoadedDll::canUnloadNow() const { return callPlain(m_module, "DllCanUnloadNow"); }
 
 HRESULT LoadedDll::getClassObject(REFCLSID clsid, REFIID iid, void** object) const {
   const auto function = entryPoint<HRESULT(WINAPI*)(REFCLSID, REFIID, void**)>(m_module, "DllGetClassObject");
   return function == nullptr ? E_UNEXPECTED : function(clsid, iid, object);
 }
 
-HRESULT LoadedDll::registerServer() const {
-  return callPlain(m_module, "DllRegisterServer");
-}
+HRESULT LoadedDll::registerServer() const { return callPlain(m_module, "DllRegisterServer"); }
 
-HRESULT LoadedDll::unregisterServer() const {
-  return callPlain(m_module, "DllUnregisterServer");
-}
+HRESULT LoadedDll::unregisterServer() const { return callPlain(m_module, "DllUnregisterServer"); }
 
 }  // namespace av::test

@@ -18,7 +18,7 @@ std::wstring dllPath();
 
 /// The DLL, loaded for as long as the object lives, with its four entry points.
 class LoadedDll {
-public:
+ public:
   explicit LoadedDll(const std::wstring& path = dllPath());
   ~LoadedDll();
   LoadedDll(const LoadedDll&) = delete;
@@ -32,7 +32,7 @@ public:
   HRESULT registerServer() const;
   HRESULT unregisterServer() const;
 
-private:
+ private:
   HMODULE m_module;
 };
 

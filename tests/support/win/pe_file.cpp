@@ -14,7 +14,7 @@ struct Section {
 };
 
 class Reader {
-public:
+ public:
   explicit Reader(const std::vector<std::uint8_t>& bytes) : m_bytes(bytes) {}
 
   std::uint32_t u32(std::size_t at) const { return u16(at) | static_cast<std::uint32_t>(u16(at + 2)) << 16; }
@@ -36,7 +36,7 @@ public:
     throw std::out_of_range("an address outside all sections");
   }
 
-private:
+ private:
   const std::vector<std::uint8_t>& m_bytes;
 };
 

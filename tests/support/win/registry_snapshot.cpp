@@ -30,7 +30,8 @@ void collect(HKEY key, const std::wstring& path, RegistryEntries& entries) {
     auto nameLength = static_cast<DWORD>(name.size());
     auto byteCount = static_cast<DWORD>(bytes.size());
     DWORD type = 0;
-    if (RegEnumValueW(key, i, name.data(), &nameLength, nullptr, &type, bytes.data(), &byteCount) != ERROR_SUCCESS) break;
+    if (RegEnumValueW(key, i, name.data(), &nameLength, nullptr, &type, bytes.data(), &byteCount) != ERROR_SUCCESS)
+      break;
     entries[path + (nameLength == 0 ? L"@" : std::wstring(name.data(), nameLength))] =
         asText(type, {bytes.begin(), bytes.begin() + byteCount});
   }

@@ -35,12 +35,10 @@ HRESULT createMarshaller(IUnknown* outer, REFIID iid, void** object) {
   return made.CopyTo(iid, object);
 }
 
-HRESULT throwBadAlloc(IUnknown*, REFIID, void**) {
-  throw std::bad_alloc();
-}
+HRESULT throwBadAlloc(IUnknown*, REFIID, void**) { throw std::bad_alloc(); }
 
 class ClassFactoryTest : public testing::Test {
-protected:
+ protected:
   ClassFactoryTest() { lastRequest = {}; }
 
   ComPtr<IClassFactory> factoryOf(CreateFunction create) {
