@@ -39,9 +39,12 @@ struct Outcome {
 
 /// Runs avdemo.exe with `arguments` in `folder` and waits for its end.
 Outcome runDemo(const fs::path& folder, const std::wstring& arguments) {
-  const fs::path errorFile = folder / L"errors.txt";
+  // A file of its own for each run: background programs that the first one starts may hold theirs open.
+  static int runs = 0;
+  const fs::path errorFile = folder / (L"errors" + std::to_wstring(++runs) + L".txt");
   SECURITY_ATTRIBUTES inheritable = {sizeof inheritable, nullptr, TRUE};
-  HANDLE errors = CreateFileW(errorFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ, &inheritable, CREATE_ALWAYS, 0, nullptr);
+  HANDLE errors = CreateFileW(errorFile.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                              &inheritable, CREATE_ALWAYS, 0, nullptr);
   HANDLE nothing = CreateFileW(L"NUL", GENERIC_READ | GENERIC_WRITE, 0, &inheritable, OPEN_EXISTING, 0, nullptr);
   STARTUPINFOW startup = {};
   startup.cb = sizeof startup;
@@ -52,7 +55,8 @@ Outcome runDemo(const fs::path& folder, const std::wstring& arguments) {
   std::wstring command = L"\"" + (programFolder() / L"avdemo.exe").wstring() + L"\" " + arguments;
   PROCESS_INFORMATION process = {};
   Outcome outcome;
-  if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &startup, &process)) {
+  if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &startup,
+                     &process)) {
     WaitForSingleObject(process.hProcess, 60000);
     GetExitCodeProcess(process.hProcess, &outcome.exitCode);
     if (outcome.exitCode == STILL_ACTIVE) TerminateProcess(process.hProcess, 99);
@@ -139,11 +143,15 @@ class Demo : public testing::Test {
   void SetUp() override {
     wchar_t temporary[MAX_PATH + 1] = {};
     GetTempPathW(ARRAYSIZE(temporary), temporary);
-    folder = fs::path(temporary) / (L"avdemo-test-" + std::to_wstring(GetCurrentProcessId()));
-    fs::remove_all(folder);
+    static int tests = 0;
+    folder = fs::path(temporary) /
+             (L"avdemo-test-" + std::to_wstring(GetCurrentProcessId()) + L"-" + std::to_wstring(++tests));
     fs::create_directories(folder);
   }
-  void TearDown() override { fs::remove_all(folder); }
+  void TearDown() override {
+    std::error_code ignored;
+    fs::remove_all(folder, ignored);
+  }
 
   int linesIn(const std::string& text) const { return static_cast<int>(std::count(text.begin(), text.end(), '\n')); }
   int picturesIn(const fs::path& where) const {
