@@ -8,13 +8,16 @@ namespace avdemo {
 
 const wchar_t usage[] =
     L"avdemo [--out DIR] [--size WxH] [--registered] [WAV...]\n"
-    L"Hosts the waveform and spectrum view in a window, plays each recording into it block by block and saves what the\n"
-    L"window shows: NAME-waveform.png, NAME-spectrum.png, and both again in other colours. Without a recording it plays\n"
+    L"Hosts the waveform and spectrum view in a window, plays each recording into it block by block and saves what "
+    L"the\n"
+    L"window shows: NAME-waveform.png, NAME-spectrum.png, and both again in other colours. Without a recording it "
+    L"plays\n"
     L"a generated tone.\n"
     L"  --out DIR     folder of the pictures (default: the current one)\n"
     L"  --size WxH    size of the control in pixels, 80x50 to 4096x4096\n"
     L"  --registered  create the control from the registry, not from the library beside the program\n"
-    L"Recordings are PCM WAV files: 8, 16, 24 or 32 bits, 1 to 18 channels. Exit codes: 0 done, 1 failure, 2 bad file or\n"
+    L"Recordings are PCM WAV files: 8, 16, 24 or 32 bits, 1 to 18 channels. Exit codes: 0 done, 1 failure, 2 bad file "
+    L"or\n"
     L"command line.\n";
 
 namespace {

@@ -26,9 +26,7 @@ constexpr std::uint32_t openSize = 0xFFFFFFFF;
 constexpr std::uint8_t subformatTail[14] = {0x00, 0x00, 0x00, 0x00, 0x10, 0x00, 0x80,
                                             0x00, 0x00, 0xAA, 0x00, 0x38, 0x9B, 0x71};
 
-std::uint16_t word(Bytes bytes, std::size_t at) {
-  return static_cast<std::uint16_t>(bytes[at] | bytes[at + 1] << 8);
-}
+std::uint16_t word(Bytes bytes, std::size_t at) { return static_cast<std::uint16_t>(bytes[at] | bytes[at + 1] << 8); }
 
 std::uint32_t doubleWord(Bytes bytes, std::size_t at) {
   return word(bytes, at) | static_cast<std::uint32_t>(word(bytes, at + 2)) << 16;
@@ -79,8 +77,8 @@ std::optional<std::uint16_t> effectiveTag(Bytes format) {
 }
 
 std::vector<std::uint8_t> completedFormat(Bytes format) {
-  std::vector<std::uint8_t> bytes(format.begin(), format.begin() + static_cast<std::ptrdiff_t>(std::min(
-                                                                       format.size(), longestFormatBytes)));
+  std::vector<std::uint8_t> bytes(
+      format.begin(), format.begin() + static_cast<std::ptrdiff_t>(std::min(format.size(), longestFormatBytes)));
   if (bytes.size() < standardFormatBytes) bytes.resize(standardFormatBytes);
   // The extension cannot be longer than what follows.
   const std::size_t extension = std::min<std::size_t>(word(bytes, 16), bytes.size() - standardFormatBytes);

@@ -57,7 +57,8 @@ Pixels readWindow(HWND window) {
     copied = BitBlt(memory, 0, 0, pixels.width, pixels.height, source, 0, 0, SRCCOPY) != FALSE;
     GdiFlush();
     const BYTE* first = static_cast<const BYTE*>(bits);
-    if (copied) pixels.bytes.assign(first, first + static_cast<size_t>(pixels.stride) * static_cast<size_t>(pixels.height));
+    if (copied)
+      pixels.bytes.assign(first, first + static_cast<size_t>(pixels.stride) * static_cast<size_t>(pixels.height));
     SelectObject(memory, before);
   }
   if (bitmap) DeleteObject(bitmap);

@@ -176,8 +176,8 @@ class Container {
  private:
   HRESULT site(LONG verb) noexcept {
     DWORD status = 0;
-    const bool siteFirst = SUCCEEDED(m_object->GetMiscStatus(DVASPECT_CONTENT, &status)) &&
-                           (status & OLEMISC_SETCLIENTSITEFIRST) != 0;
+    const bool siteFirst =
+        SUCCEEDED(m_object->GetMiscStatus(DVASPECT_CONTENT, &status)) && (status & OLEMISC_SETCLIENTSITEFIRST) != 0;
     HRESULT result = S_OK;
     if (siteFirst) result = m_object->SetClientSite(m_site);
     if (SUCCEEDED(result)) result = initialise();

@@ -6,8 +6,8 @@
 
 #include <windows.h>
 
-#include <objbase.h>
 #include <oaidl.h>
+#include <objbase.h>
 #include <ocidl.h>
 #include <olectl.h>
 #include <oleidl.h>
@@ -17,7 +17,7 @@ namespace avhost {
 
 /// What the container tells its control when asked for an ambient property.
 struct Ambients {
-  bool userMode = true;                    ///< false: a designer, where the user edits the control
+  bool userMode = true;  ///< false: a designer, where the user edits the control
   OLE_COLOR backColor = 0x80000000u | COLOR_BTNFACE;
   OLE_COLOR foreColor = 0x80000000u | COLOR_BTNTEXT;
 };

@@ -105,7 +105,8 @@ class ControlLibrary {
   ControlLibrary(const ControlLibrary&) = delete;
   ControlLibrary& operator=(const ControlLibrary&) = delete;
   ControlLibrary(ControlLibrary&& other) noexcept
-      : m_module(std::exchange(other.m_module, nullptr)), m_getClassObject(other.m_getClassObject),
+      : m_module(std::exchange(other.m_module, nullptr)),
+        m_getClassObject(other.m_getClassObject),
         m_canUnloadNow(other.m_canUnloadNow) {}
   ~ControlLibrary() { unload(); }
 

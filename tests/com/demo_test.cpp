@@ -55,8 +55,7 @@ Outcome runDemo(const fs::path& folder, const std::wstring& arguments) {
   std::wstring command = L"\"" + (programFolder() / L"avdemo.exe").wstring() + L"\" " + arguments;
   PROCESS_INFORMATION process = {};
   Outcome outcome;
-  if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &startup,
-                     &process)) {
+  if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, TRUE, 0, nullptr, folder.c_str(), &startup, &process)) {
     WaitForSingleObject(process.hProcess, 60000);
     GetExitCodeProcess(process.hProcess, &outcome.exitCode);
     if (outcome.exitCode == STILL_ACTIVE) TerminateProcess(process.hProcess, 99);

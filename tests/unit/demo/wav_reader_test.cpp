@@ -137,9 +137,9 @@ TEST(WavReader, KeepsAtMost180BytesOfAFormat) {
 }
 
 TEST(WavReader, SkipsOtherChunksAndTheirPadding) {
-  const WavResult result = readWav(riff({chunk("JUNK", Bytes(7, 0xAA)), chunk("LIST", Bytes(3, 'x')),
-                                         chunk("fmt ", Header{}.bytes()), chunk("fact", Bytes(5, 1)),
-                                         chunk("data", twoFrames), chunk("cue ", Bytes(4, 2))}));
+  const WavResult result =
+      readWav(riff({chunk("JUNK", Bytes(7, 0xAA)), chunk("LIST", Bytes(3, 'x')), chunk("fmt ", Header{}.bytes()),
+                    chunk("fact", Bytes(5, 1)), chunk("data", twoFrames), chunk("cue ", Bytes(4, 2))}));
   ASSERT_TRUE(result.recording) << result.problem;
   EXPECT_EQ(twoFrames, result.recording->samples);
 }
@@ -167,8 +167,7 @@ TEST(WavReader, CutsATrailingPartialFrame) {
 
 TEST(WavReader, TakesTheRestOfAStreamWithOpenSizes) {
   for (std::int64_t open : {std::int64_t{0xFFFFFFFF}, std::int64_t{0}}) {
-    const WavResult result =
-        readWav(riff({chunk("fmt ", Header{}.bytes()), chunk("data", twoFrames, open)}, open));
+    const WavResult result = readWav(riff({chunk("fmt ", Header{}.bytes()), chunk("data", twoFrames, open)}, open));
     ASSERT_TRUE(result.recording) << result.problem;
     EXPECT_EQ(twoFrames, result.recording->samples) << "size " << open;
   }
@@ -182,8 +181,8 @@ TEST(WavReader, TakesAnEmptyDataChunkInASoundFileAsEmpty) {
 }
 
 TEST(WavReader, ReadsTheLongFileVariant) {
-  Bytes file = riff({chunk("ds64", Bytes(28, 0)), chunk("fmt ", Header{}.bytes()),
-                     chunk("data", twoFrames, 0xFFFFFFFF)}, 0xFFFFFFFF);
+  Bytes file = riff(
+      {chunk("ds64", Bytes(28, 0)), chunk("fmt ", Header{}.bytes()), chunk("data", twoFrames, 0xFFFFFFFF)}, 0xFFFFFFFF);
   file[1] = 'F';
   file[2] = '6';
   file[3] = '4';
@@ -238,29 +237,28 @@ const std::string text = "This is a text file, longer than any header that a WAV
 
 INSTANTIATE_TEST_SUITE_P(
     WavFiles, WavReaderRefuses,
-    testing::Values(
-        Refusal{"Empty", {}, "empty"},
-        Refusal{"Text", Bytes(text.begin(), text.end()), "not a WAV file"},
-        Refusal{"OnlyRiff", {'R', 'I', 'F', 'F'}, "not a WAV file"},
-        Refusal{"BigEndian", {'R', 'I', 'F', 'X', 0, 0, 0, 4, 'W', 'A', 'V', 'E'}, "RIFX"},
-        Refusal{"NoChunks", riff({}), "without a format chunk"},
-        Refusal{"NoData", riff({chunk("fmt ", Header{}.bytes())}), "without a data chunk"},
-        Refusal{"NoFormat", riff({chunk("data", Bytes(8, 1))}), "without a format chunk"},
-        Refusal{"ShortFormat", withHeader(Bytes(14, 1)), "format chunk is too short"},
-        Refusal{"Float", withHeader(Header{.tag = 3, .bits = 32}.bytes()), "floating-point"},
-        Refusal{"ExtensibleFloat", withHeader(extensible(Header{.bits = 32}, 3)), "floating-point"},
-        Refusal{"ALaw", withHeader(Header{.tag = 6, .bits = 8}.bytes()), "0x0006"},
-        Refusal{"ExtensibleTooShort", withHeader(Header{.tag = 0xFFFE}.bytes()), "extensible"},
-        Refusal{"NoChannels", withHeader(Header{.channels = 0}.bytes()), "0 channels"},
-        Refusal{"NineteenChannels", withHeader(Header{.channels = 19}.bytes()), "19 channels"},
-        Refusal{"ManyChannels", withHeader(Header{.channels = 65535, .bits = 8}.bytes()), "65535 channels"},
-        Refusal{"NoBits", withHeader(Header{.bits = 0}.bytes()), "0-bit"},
-        Refusal{"TwelveBits", withHeader(Header{.bits = 12}.bytes()), "12-bit"},
-        Refusal{"SixtyFourBits", withHeader(Header{.bits = 64}.bytes()), "64-bit"},
-        Refusal{"NoRate", withHeader(Header{.rate = 0}.bytes()), "0 Hz"},
-        Refusal{"AbsurdRate", withHeader(Header{.rate = 4000000000u}.bytes()), "4000000000 Hz"},
-        Refusal{"WrongFrameSize", withHeader(Header{.blockAlign = 6}.bytes()), "frames of 6 bytes"},
-        Refusal{"LessThanAFrame", riff({chunk("fmt ", Header{}.bytes()), chunk("data", {1, 2, 3})}), "no samples"}),
+    testing::Values(Refusal{"Empty", {}, "empty"}, Refusal{"Text", Bytes(text.begin(), text.end()), "not a WAV file"},
+                    Refusal{"OnlyRiff", {'R', 'I', 'F', 'F'}, "not a WAV file"},
+                    Refusal{"BigEndian", {'R', 'I', 'F', 'X', 0, 0, 0, 4, 'W', 'A', 'V', 'E'}, "RIFX"},
+                    Refusal{"NoChunks", riff({}), "without a format chunk"},
+                    Refusal{"NoData", riff({chunk("fmt ", Header{}.bytes())}), "without a data chunk"},
+                    Refusal{"NoFormat", riff({chunk("data", Bytes(8, 1))}), "without a format chunk"},
+                    Refusal{"ShortFormat", withHeader(Bytes(14, 1)), "format chunk is too short"},
+                    Refusal{"Float", withHeader(Header{.tag = 3, .bits = 32}.bytes()), "floating-point"},
+                    Refusal{"ExtensibleFloat", withHeader(extensible(Header{.bits = 32}, 3)), "floating-point"},
+                    Refusal{"ALaw", withHeader(Header{.tag = 6, .bits = 8}.bytes()), "0x0006"},
+                    Refusal{"ExtensibleTooShort", withHeader(Header{.tag = 0xFFFE}.bytes()), "extensible"},
+                    Refusal{"NoChannels", withHeader(Header{.channels = 0}.bytes()), "0 channels"},
+                    Refusal{"NineteenChannels", withHeader(Header{.channels = 19}.bytes()), "19 channels"},
+                    Refusal{"ManyChannels", withHeader(Header{.channels = 65535, .bits = 8}.bytes()), "65535 channels"},
+                    Refusal{"NoBits", withHeader(Header{.bits = 0}.bytes()), "0-bit"},
+                    Refusal{"TwelveBits", withHeader(Header{.bits = 12}.bytes()), "12-bit"},
+                    Refusal{"SixtyFourBits", withHeader(Header{.bits = 64}.bytes()), "64-bit"},
+                    Refusal{"NoRate", withHeader(Header{.rate = 0}.bytes()), "0 Hz"},
+                    Refusal{"AbsurdRate", withHeader(Header{.rate = 4000000000u}.bytes()), "4000000000 Hz"},
+                    Refusal{"WrongFrameSize", withHeader(Header{.blockAlign = 6}.bytes()), "frames of 6 bytes"},
+                    Refusal{"LessThanAFrame", riff({chunk("fmt ", Header{}.bytes()), chunk("data", {1, 2, 3})}),
+                            "no samples"}),
     [](const testing::TestParamInfo<Refusal>& tested) { return tested.param.name; });
 
 /// Whatever is cut off or overwritten, the reader stays inside the bytes (the sanitizer build watches) and answers.

@@ -14,7 +14,10 @@ using Microsoft::WRL::ComPtr;
 using testing::ElementsAre;
 
 /// An OLE control that draws nothing and writes down what its container does to it.
-class RecordingControl final : public IOleObject, public IOleInPlaceObject, public IViewObject, public IPersistStreamInit {
+class RecordingControl final : public IOleObject,
+                               public IOleInPlaceObject,
+                               public IViewObject,
+                               public IPersistStreamInit {
  public:
   std::vector<std::string> calls;
   DWORD miscStatus = OLEMISC_SETCLIENTSITEFIRST;
@@ -321,7 +324,9 @@ TEST(MessagePump, EndsWhenThePredicateHolds) {
   EXPECT_EQ(3, asked);
 }
 
-TEST(MessagePump, TimesOut) { EXPECT_FALSE(avhost::pumpUntil(20, [] { return false; })); }
+TEST(MessagePump, TimesOut) {
+  EXPECT_FALSE(avhost::pumpUntil(20, [] { return false; }));
+}
 
 TEST(MessagePump, LeavesTheQuitMessageForTheHost) {
   PostQuitMessage(3);
