@@ -10,11 +10,11 @@ namespace av {
 struct AudioFormatBlock {
   std::uint16_t wFormatTag = 0;
   std::uint16_t nChannels = 0;
-  std::uint32_t nSamplesPerSec = 0;   ///< frames per second
+  std::uint32_t nSamplesPerSec = 0;  ///< frames per second
   std::uint32_t nAvgBytesPerSec = 0;
   std::uint16_t nBlockAlign = 0;
   std::uint16_t wBitsPerSample = 0;
-  std::uint16_t cbSize = 0;           ///< count of extra format bytes behind the first 18
+  std::uint16_t cbSize = 0;  ///< count of extra format bytes behind the first 18
   std::uint8_t extra[162] = {};
 };
 

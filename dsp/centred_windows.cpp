@@ -21,12 +21,9 @@ double centredWindowWeight(int type, int index, int length) noexcept {
     case 2:
       if (index == length / 2) return 1.0;
       return index < length / 2 ? fromApex * 2.0 / n + 1.0 : 1.0 - fromApex * 2.0 / n;
-    case 3:
-      return 0.5 * std::cos(fromApex * 2.0 * std::numbers::pi / n) + 0.5;
-    case 4:
-      return double{0.46f} * std::cos(fromApex * 2.0 * std::numbers::pi / n) + double{0.54f};
-    default:
-      return 1.0;
+    case 3: return 0.5 * std::cos(fromApex * 2.0 * std::numbers::pi / n) + 0.5;
+    case 4: return double{0.46f} * std::cos(fromApex * 2.0 * std::numbers::pi / n) + double{0.54f};
+    default: return 1.0;
   }
 }
 

@@ -70,22 +70,16 @@ LRESULT Control::windowMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       draw(reinterpret_cast<HDC>(wParam), client);
       return 0;
     }
-    case WM_ERASEBKGND:
-      return 1;  // the picture covers everything
-    case WM_SIZE:
-      resized();
-      break;
+    case WM_ERASEBKGND: return 1;  // the picture covers everything
+    case WM_SIZE: resized(); break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS: {
       Microsoft::WRL::ComPtr<IOleControlSite> site;
       if (m_clientSite && SUCCEEDED(m_clientSite.As(&site))) site->OnFocus(message == WM_SETFOCUS);
       break;
     }
-    case WM_MOUSEACTIVATE:
-      m_inPlace.activateUserInterface();
-      break;
-    default:
-      break;
+    case WM_MOUSEACTIVATE: m_inPlace.activateUserInterface(); break;
+    default: break;
   }
   return DefWindowProcW(window, message, wParam, lParam);
 }

@@ -18,8 +18,8 @@ namespace av::ole {
 /// What the framework has to know of a control class.
 struct ControlInfo {
   CLSID classId;
-  const wchar_t* userType;   ///< the friendly name
-  DWORD miscStatus;          ///< OLEMISC bits of the content aspect
+  const wchar_t* userType;  ///< the friendly name
+  DWORD miscStatus;         ///< OLEMISC bits of the content aspect
 };
 
 /// An OLE control without its subject: site, extent, in-place activation, view, persistence of the extent. One

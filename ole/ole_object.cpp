@@ -58,16 +58,10 @@ STDMETHODIMP OleObject::DoVerb(LONG verb, LPMSG, IOleClientSite*, LONG, HWND, LP
   switch (verb) {
     case OLEIVERB_PRIMARY:
     case OLEIVERB_SHOW:
-    case OLEIVERB_INPLACEACTIVATE:
-      result = session.activate(false);
-      break;
-    case OLEIVERB_UIACTIVATE:
-      result = session.activate(true);
-      break;
-    case OLEIVERB_HIDE:
-      return session.hide();
-    case OLEIVERB_DISCARDUNDOSTATE:
-      return S_OK;
+    case OLEIVERB_INPLACEACTIVATE: result = session.activate(false); break;
+    case OLEIVERB_UIACTIVATE: result = session.activate(true); break;
+    case OLEIVERB_HIDE: return session.hide();
+    case OLEIVERB_DISCARDUNDOSTATE: return S_OK;
     default:
       // Negative verbs are OLE's own; of the others the primary one stands in, as the protocol asks.
       if (verb < 0) return E_NOTIMPL;

@@ -45,7 +45,8 @@ class ViewAnalysis {
 
   /// Analyses one block of interleaved PCM; only its first N frames are touched. Allocates only when channels are added.
   /// Overwrites `settings.dynamicRangeDb`, also for a block that is too short.
-  Outcome accept(const AudioBlock& block, ViewSettings& settings) noexcept;  // [audio thread, under the control's mutex]
+  Outcome accept(const AudioBlock& block,
+                 ViewSettings& settings) noexcept;  // [audio thread, under the control's mutex]
 
   /// One step of the smoothing animation. Returns whether a redraw request is due.
   bool smoothingStep(const ViewSettings& settings) noexcept;  // [control thread]

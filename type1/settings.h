@@ -24,6 +24,7 @@ struct ViewSettings {
   Argb scaleColor = opaqueBlack;  ///< the shell reads the system's button-face colour once at construction
   Argb borderColor = opaqueBlack;
   /// Index 0 is the text colour, index c the line colour of channel c − 1: hosts rely on the shared table.
+  // clang-format off
   std::array<Argb, maxChannels + 1> textAndLineColors = {
       opaqueBlack,
       argbFromRgb(240, 128, 128), argbFromRgb(255, 255, 0), argbFromRgb(0, 128, 0),
@@ -31,10 +32,11 @@ struct ViewSettings {
       argbFromRgb(255, 140, 0),   argbFromRgb(255, 0, 255),  argbFromRgb(64, 224, 208),
       opaqueBlack, opaqueBlack, opaqueBlack, opaqueBlack, opaqueBlack,
       opaqueBlack, opaqueBlack, opaqueBlack, opaqueBlack};
+  // clang-format on
   std::int16_t scaleXVisible = -1;
   std::int16_t scaleYVisible = -1;
-  std::int32_t scaleYMin = 0;     ///< percent of the dynamic range
-  std::int32_t scaleYMax = 100;   ///< percent of the dynamic range
+  std::int32_t scaleYMin = 0;    ///< percent of the dynamic range
+  std::int32_t scaleYMax = 100;  ///< percent of the dynamic range
   std::int16_t gridVisible = -1;
   Relaxed<double> dynamicRangeDb = 90.308733622833976;  ///< 20·log10(32767); every accepted block overwrites it
   std::int32_t borderType = 0;
@@ -71,13 +73,12 @@ inline constexpr Effects relayoutAndRedraw = Effects::relayout | Effects::redraw
 
 /// The put runs wholly under the drawing lock (after the control's mutex).
 inline constexpr SharedLongRule visualizationType{{"VisualizationType", 5, Effects::reset | relayoutAndRedraw},
-                                                  &ViewSettings::visualizationType, plainCodec<std::int32_t>};
+                                                  &ViewSettings::visualizationType,
+                                                  plainCodec<std::int32_t>};
 inline constexpr ViewRule<std::int16_t, Relaxed<std::int16_t>> visualizationSmooth{
     {"VisualizationSmooth", 6, relayoutAndRedraw}, &ViewSettings::visualizationSmooth, plainCodec<std::int16_t>};
-inline constexpr ColorRule backColor{
-    {"BackColor", 10, Effects::redraw}, &ViewSettings::backColor, swappedColourCodec};
-inline constexpr ColorRule gridColor{
-    {"GridColor", 11, Effects::redraw}, &ViewSettings::gridColor, swappedColourCodec};
+inline constexpr ColorRule backColor{{"BackColor", 10, Effects::redraw}, &ViewSettings::backColor, swappedColourCodec};
+inline constexpr ColorRule gridColor{{"GridColor", 11, Effects::redraw}, &ViewSettings::gridColor, swappedColourCodec};
 inline constexpr ColorRule scaleColor{
     {"ScaleColor", 12, Effects::redraw}, &ViewSettings::scaleColor, swappedColourCodec};
 inline constexpr PropertyRow textColor{"TextColor", 13, Effects::redraw};  ///< `LineColor` at index 0
@@ -116,10 +117,9 @@ inline constexpr LongRule fftViewType{
 
 /// Every row, in the order in which the accessors stand in the interface.
 inline constexpr std::array<const PropertyRow*, 19> table = {
-    &visualizationType, &visualizationSmooth, &backColor,     &gridColor,    &scaleColor,
-    &textColor,         &borderColor,         &lineColor,     &scaleXVisible, &scaleYVisible,
-    &scaleFont,         &scaleYMin,           &scaleYMax,     &gridVisible,  &dynamicRange,
-    &borderType,        &fftWindowSize,       &fftWindowType, &fftViewType};
+    &visualizationType, &visualizationSmooth, &backColor,     &gridColor,     &scaleColor, &textColor, &borderColor,
+    &lineColor,         &scaleXVisible,       &scaleYVisible, &scaleFont,     &scaleYMin,  &scaleYMax, &gridVisible,
+    &dynamicRange,      &borderType,          &fftWindowSize, &fftWindowType, &fftViewType};
 
 }  // namespace rule
 }  // namespace av::type1

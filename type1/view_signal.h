@@ -10,11 +10,11 @@ namespace av::type1 {
 
 /// What the drawing reads of the analysis: views into its arrays, valid under the drawing lock only.
 struct ViewSignal {
-  bool dataReceived = false;        ///< no curve is drawn before the first analysed block
-  int channelCount = 2;             ///< channels in use, at most maxChannels
-  std::int32_t windowSize = 1024;   ///< N
+  bool dataReceived = false;       ///< no curve is drawn before the first analysed block
+  int channelCount = 2;            ///< channels in use, at most maxChannels
+  std::int32_t windowSize = 1024;  ///< N
   std::uint32_t sampleRateHz = 44100;
-  double fullScale = 32767.0;       ///< largest sample magnitude of the current sample width
+  double fullScale = 32767.0;  ///< largest sample magnitude of the current sample width
   /// Per channel N samples (waveform and X-Y views) or levels in dB; empty where a slot holds no array.
   std::array<std::span<const double>, maxChannels> analysis{};
   /// Per channel the smoothed copy that spectrum views draw while smoothing is on.

@@ -68,8 +68,8 @@ void AudioInput::readPacked() {
 
   // The valid bytes may be claimed to exceed the buffer, and a subtraction from the lowest size would wrap.
   const std::int64_t sampleBytes = std::int64_t{std::min(dataBytes, bufferBytes)} - headerBytes;
-  m_block.sampleBytes = static_cast<std::int32_t>(
-      std::max<std::int64_t>(sampleBytes, std::numeric_limits<std::int32_t>::min()));
+  m_block.sampleBytes =
+      static_cast<std::int32_t>(std::max<std::int64_t>(sampleBytes, std::numeric_limits<std::int32_t>::min()));
   // Without samples the position behind the header may lie outside the buffer; it is not formed then.
   m_block.samples = buffer != nullptr && sampleBytes > 0 ? buffer + headerBytes : buffer;
 }

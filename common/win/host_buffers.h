@@ -13,8 +13,7 @@
 namespace av {
 
 /// Implemented by the host: bytes in memory.
-MIDL_INTERFACE("00a21418-9587-433c-8b72-f8a0a9efc99f")
-IMediaDataBuffer : public IUnknown {
+struct DECLSPEC_UUID("00a21418-9587-433c-8b72-f8a0a9efc99f") DECLSPEC_NOVTABLE IMediaDataBuffer : public IUnknown {
  public:
   virtual HRESULT STDMETHODCALLTYPE reserved3() = 0;
   virtual HRESULT STDMETHODCALLTYPE reserved4() = 0;
@@ -32,8 +31,8 @@ IMediaDataBuffer : public IUnknown {
 };
 
 /// Implemented by the host: samples in the buffer, their wave format apart.
-MIDL_INTERFACE("9b7fec49-99a8-4fef-a9e2-38e1abc874db")
-IAudioFrameData : public IMediaDataBuffer {
+struct DECLSPEC_UUID("9b7fec49-99a8-4fef-a9e2-38e1abc874db") DECLSPEC_NOVTABLE IAudioFrameData
+    : public IMediaDataBuffer {
  public:
   virtual HRESULT STDMETHODCALLTYPE reserved13() = 0;
   virtual HRESULT STDMETHODCALLTYPE reserved14() = 0;
@@ -63,8 +62,8 @@ IAudioFrameData : public IMediaDataBuffer {
 
 /// Implemented by the host: the buffer begins with an 18-byte wave format header and its extra bytes; the samples
 /// follow.
-MIDL_INTERFACE("fdbe7010-e17f-4457-b384-94db9c482430")
-IPackedAudioData : public IMediaDataBuffer {};
+struct DECLSPEC_UUID("fdbe7010-e17f-4457-b384-94db9c482430") DECLSPEC_NOVTABLE IPackedAudioData
+    : public IMediaDataBuffer {};
 
 }  // namespace av
 

@@ -43,10 +43,8 @@ ComPtr<IAudioVisualizationTemplate> unmarshal(IStream* stream, const IID& id) no
   stream->AddRef();
   const HRESULT result =
       CoGetInterfaceAndReleaseStream(stream, id, reinterpret_cast<void**>(proxy.ReleaseAndGetAddressOf()));
-  if (FAILED(result))
-    discardMarshalled(stream);  // the marshalled reference would hold the tick object for ever
-  else
-    stream->Release();
+  if (FAILED(result)) discardMarshalled(stream);  // the marshalled reference would hold the tick object for ever
+  else stream->Release();
   return proxy;
 }
 
@@ -214,9 +212,8 @@ void RepaintTimer::runWorker(Shared& shared) {
 }
 
 void RepaintTimer::waitForEnd(const Worker& worker) noexcept {
-  const std::uint64_t limitMs =
-      std::uint64_t{m_shared->m_nInterval.load(relaxed)} +
-      (apartmentIsGone() ? endGraceWithoutApartmentMs : endGraceMs);
+  const std::uint64_t limitMs = std::uint64_t{m_shared->m_nInterval.load(relaxed)} +
+                                (apartmentIsGone() ? endGraceWithoutApartmentMs : endGraceMs);
   waitDispatchingMessages(worker.thread.get(), static_cast<DWORD>(std::min<std::uint64_t>(limitMs, INFINITE)));
 }
 

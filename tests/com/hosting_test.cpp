@@ -52,12 +52,14 @@ class Hosting : public DllTest, public testing::WithParamInterface<ControlClass>
 TEST_P(Hosting, EveryInterfaceLeadsBackToOneIdentity) {
   ComPtr<IUnknown> identity;
   ASSERT_EQ(S_OK, m_control.As(&identity));
-  const IID all[] = {IID_IDispatch,       IID_IAudioVisualizationTemplate, GetParam().dispatchId,
-                     IID_IOleObject,      IID_IOleControl,                 IID_IOleWindow,
-                     IID_IOleInPlaceObject, IID_IOleInPlaceActiveObject,   IID_IViewObject,
-                     IID_IViewObject2,    IID_IViewObjectEx,               IID_IPersist,
-                     IID_IPersistStreamInit, IID_IProvideClassInfo,        IID_IProvideClassInfo2,
-                     IID_ISupportErrorInfo};
+  const IID all[] = {IID_IDispatch,          IID_IAudioVisualizationTemplate,
+                     GetParam().dispatchId,  IID_IOleObject,
+                     IID_IOleControl,        IID_IOleWindow,
+                     IID_IOleInPlaceObject,  IID_IOleInPlaceActiveObject,
+                     IID_IViewObject,        IID_IViewObject2,
+                     IID_IViewObjectEx,      IID_IPersist,
+                     IID_IPersistStreamInit, IID_IProvideClassInfo,
+                     IID_IProvideClassInfo2, IID_ISupportErrorInfo};
   for (const IID& iid : all) {
     ComPtr<IUnknown> face, back;
     ASSERT_EQ(S_OK, m_control->QueryInterface(iid, reinterpret_cast<void**>(face.GetAddressOf())));

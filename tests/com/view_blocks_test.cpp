@@ -62,8 +62,7 @@ class ViewBlocks : public DllTest {
   WindowPicture picture() const { return pictureOf(m_container.controlWindow()); }
 
   HRESULT send(const std::vector<BYTE>& samples, const WAVEFORMATEX& format = stereo16) {
-    return m_view->SendAudioData(
-        avhost::audioFrames(format, samples.data(), static_cast<LONG>(samples.size())).get());
+    return m_view->SendAudioData(avhost::audioFrames(format, samples.data(), static_cast<LONG>(samples.size())).get());
   }
 
   /// The mutex is free when another thread gets a block through.
@@ -116,7 +115,10 @@ TEST_F(ViewBlocks, BothInterfacesOfTheHostDrawTheSamePicture) {
 }
 
 TEST_F(ViewBlocks, EveryAcceptedBlockOverwritesTheDynamicRange) {
-  const struct { WORD bits; LONG decibels; } depths[] = {{8, 42}, {16, 90}, {24, 138}, {32, 186}};
+  const struct {
+    WORD bits;
+    LONG decibels;
+  } depths[] = {{8, 42}, {16, 90}, {24, 138}, {32, 186}};
   for (const auto& depth : depths) {
     ASSERT_EQ(S_OK, m_view->put_DynamicRange(60));
     const WAVEFORMATEX format{WAVE_FORMAT_PCM, 1, 48000, 0, 0, depth.bits, 0};
@@ -246,8 +248,8 @@ TEST_F(ViewBlocks, LateBoundHostsGetDispException) {
   V_UNKNOWN(&argument) = &data;
   DISPPARAMS arguments{&argument, nullptr, 1, 0};
   EXCEPINFO exception{};
-  EXPECT_EQ(DISP_E_EXCEPTION, m_view->Invoke(0xaae62, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &arguments, nullptr,
-                                             &exception, nullptr));
+  EXPECT_EQ(DISP_E_EXCEPTION, m_view->Invoke(0xaae62, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &arguments,
+                                             nullptr, &exception, nullptr));
   EXPECT_EQ(E_ACCESSDENIED, exception.scode);
   EXPECT_STREQ(L"the device is gone", exception.bstrDescription);
   EXPECT_STREQ(L"test host", exception.bstrSource);

@@ -68,7 +68,8 @@ class ViewProperties : public DllTest {
   HRESULT invokePut(DISPID id, VARIANT value) {
     DISPID put = DISPID_PROPERTYPUT;
     DISPPARAMS arguments{&value, &put, 1, 1};
-    return m_view->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &arguments, nullptr, nullptr, nullptr);
+    return m_view->Invoke(id, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYPUT, &arguments, nullptr, nullptr,
+                          nullptr);
   }
 
   LONG getLong(DISPID id) {
@@ -130,10 +131,19 @@ TEST_F(ViewProperties, LongsAreStoredAsGivenAtTheIntegersLimits) {
 }
 
 TEST_F(ViewProperties, WindowSizesAreClampedAndRoundedToPowersOfTwo) {
-  const struct { LONG put, reads; } cases[] = {{10, 64},     {64, 64},   {90, 64},     {91, 128},      {181, 128},
-                                               {182, 256},   {1000, 1024}, {100000, 16384}, {-1, 64},
-                                               {std::numeric_limits<LONG>::min(), 64},
-                                               {std::numeric_limits<LONG>::max(), 16384}};
+  const struct {
+    LONG put, reads;
+  } cases[] = {{10, 64},
+               {64, 64},
+               {90, 64},
+               {91, 128},
+               {181, 128},
+               {182, 256},
+               {1000, 1024},
+               {100000, 16384},
+               {-1, 64},
+               {std::numeric_limits<LONG>::min(), 64},
+               {std::numeric_limits<LONG>::max(), 16384}};
   for (const auto& one : cases) {
     EXPECT_EQ(S_OK, m_view->put_FFTWindowSize(one.put));
     LONG value = 0;
@@ -181,7 +191,8 @@ TEST_F(ViewProperties, IndexedPropertiesWorkLateBound) {
   VARIANT index = variantOf(VT_I4, 18), result;
   VariantInit(&result);
   DISPPARAMS one{&index, nullptr, 1, 0};
-  EXPECT_EQ(S_OK, m_view->Invoke(15, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &one, &result, nullptr, nullptr));
+  EXPECT_EQ(S_OK,
+            m_view->Invoke(15, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_PROPERTYGET, &one, &result, nullptr, nullptr));
   EXPECT_EQ(S_OK, VariantChangeType(&result, &result, 0, VT_I4));
   EXPECT_EQ(0x00010203, V_I4(&result));
 }

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <cmath>
 #include <complex>
 #include <cstddef>
 #include <cstdint>
-#include <cmath>
 #include <numbers>
 #include <random>
 #include <span>

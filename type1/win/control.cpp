@@ -9,10 +9,9 @@ namespace av::type1 {
 
 namespace {
 
-const ole::ControlInfo controlInfo{
-    CLSID_CAudioVisualization4Type1, L"CAudioVisualization4Type1 Object",
-    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT | OLEMISC_ACTIVATEWHENVISIBLE |
-        OLEMISC_SETCLIENTSITEFIRST};
+const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type1, L"CAudioVisualization4Type1 Object",
+                                   OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
+                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
 
 constexpr std::uint32_t repaintPeriodMs = 30;
 

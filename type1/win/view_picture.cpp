@@ -30,7 +30,8 @@ void ViewPicture::paint(HDC target, const RECT& bounds, bool inWindow, const Vie
   if (!prepare({picture.width(), picture.height()})) return;
   const bool windowLayout = inWindow && m_layout.client == picture;
   buildFrame(m_frame, settings, signal,
-             windowLayout ? m_layout : computeLayout(settings, signal.sampleRateHz, picture, m_textHeightPx), m_measure);
+             windowLayout ? m_layout : computeLayout(settings, signal.sampleRateHz, picture, m_textHeightPx),
+             m_measure);
   if (paintFrame(m_painter, m_frame, m_drawingFont.get())) m_surface.copyTo(target, {bounds.left, bounds.top});
 }
 

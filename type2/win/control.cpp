@@ -4,10 +4,9 @@ namespace av::type2 {
 
 namespace {
 
-const ole::ControlInfo controlInfo{
-    CLSID_CAudioVisualization4Type2, L"CAudioVisualization4Type2 Object",
-    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT | OLEMISC_ACTIVATEWHENVISIBLE |
-        OLEMISC_SETCLIENTSITEFIRST};
+const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type2, L"CAudioVisualization4Type2 Object",
+                                   OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
+                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
 
 }  // namespace
 

@@ -4,10 +4,9 @@ namespace av::type3 {
 
 namespace {
 
-const ole::ControlInfo controlInfo{
-    CLSID_CAudioVisualization4Type3, L"CAudioVisualization4Type3 Object",
-    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT | OLEMISC_ACTIVATEWHENVISIBLE |
-        OLEMISC_SETCLIENTSITEFIRST};
+const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type3, L"CAudioVisualization4Type3 Object",
+                                   OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
+                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
 
 }  // namespace
 

@@ -15,7 +15,8 @@ class GuardedBytes {
  public:
   explicit GuardedBytes(const std::vector<BYTE>& bytes) : m_size(bytes.size()) {
     const std::size_t pages = (m_size + pageBytes - 1) / pageBytes + 1;
-    m_base = static_cast<BYTE*>(VirtualAlloc(nullptr, (pages + 1) * pageBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
+    m_base =
+        static_cast<BYTE*>(VirtualAlloc(nullptr, (pages + 1) * pageBytes, MEM_RESERVE | MEM_COMMIT, PAGE_READWRITE));
     if (m_base == nullptr) throw std::bad_alloc();
     m_end = m_base + pages * pageBytes;
     DWORD before = 0;

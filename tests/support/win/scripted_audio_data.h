@@ -29,7 +29,7 @@ struct AudioDataScript {
   int failingCall = -1;  ///< position among the calls of the two interfaces, from 0; −1: none fails
   HRESULT failure = E_FAIL;
   std::vector<IID> declaresErrorInfoFor;
-  IErrorInfo* errorInfo = nullptr;  ///< put on the thread by the failing call; borrowed
+  IErrorInfo* errorInfo = nullptr;     ///< put on the thread by the failing call; borrowed
   bool garbageOnRefusedQuery = false;  ///< a refused query leaves a wild pointer behind
 };
 
@@ -175,7 +175,8 @@ class ScriptedAudioData final : public IUnknown {
     ULONG STDMETHODCALLTYPE Release() override { return m_owner.Release(); }
     HRESULT STDMETHODCALLTYPE InterfaceSupportsErrorInfo(REFIID iid) override {
       const auto& declared = m_owner.m_script.declaresErrorInfoFor;
-      return std::any_of(declared.begin(), declared.end(), [&](const IID& one) { return IsEqualIID(one, iid) != FALSE; })
+      return std::any_of(declared.begin(), declared.end(),
+                         [&](const IID& one) { return IsEqualIID(one, iid) != FALSE; })
                  ? S_OK
                  : S_FALSE;
     }

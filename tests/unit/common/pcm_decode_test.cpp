@@ -53,7 +53,8 @@ std::vector<std::uint8_t> randomBytes(std::size_t count) {
 }
 
 struct Arrays {
-  explicit Arrays(std::size_t channels, std::size_t length) : storage(channels, std::vector<double>(length, untouched)) {
+  explicit Arrays(std::size_t channels, std::size_t length)
+      : storage(channels, std::vector<double>(length, untouched)) {
     for (auto& array : storage) spans.emplace_back(array);
   }
   std::vector<std::vector<double>> storage;
@@ -87,9 +88,8 @@ TEST(PcmDecode, SixteenBitEdges) {
 
 TEST(PcmDecode, TwentyFourBitTakesItsSignFromBit23) {
   EXPECT_EQ((std::vector<double>{0, 1, 8388607, -8388608, -1, 65536, -8323072}),
-            decodeMono({0,    0,    0,    1,    0,    0,    0xFF, 0xFF, 0x7F, 0,   0,
-                        0x80, 0xFF, 0xFF, 0xFF, 0,    0,    1,    0,    0,    0x81},
-                       24, EightBitRule::signedAsStored));
+            decodeMono({0, 0, 0, 1, 0, 0, 0xFF, 0xFF, 0x7F, 0, 0, 0x80, 0xFF, 0xFF, 0xFF, 0, 0, 1, 0, 0, 0x81}, 24,
+                       EightBitRule::signedAsStored));
 }
 
 TEST(PcmDecode, ThirtyTwoBitIsAnIntegerEvenWhereAFloatWouldFit) {

@@ -42,9 +42,7 @@ TEST(PropertyRule, StoresAnyValueAsGiven) {
 
 TEST(PropertyRule, ClampsToInclusiveBounds) {
   Lamp lamp;
-  const struct {
-    std::int32_t put, stored;
-  } cases[] = {{-3, -2}, {-2, -2}, {10, 10}, {11, 10}, {4, 4}};
+  const struct { std::int32_t put, stored; } cases[] = {{-3, -2}, {-2, -2}, {10, 10}, {11, 10}, {4, 4}};
   for (const auto& c : cases) {
     EXPECT_EQ(applyPut(clamped, lamp, c.put), Effects::relayout | Effects::redraw);
     EXPECT_EQ(lamp.brightness, c.stored);

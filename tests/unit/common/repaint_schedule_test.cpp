@@ -15,7 +15,7 @@ struct Rehearsal {
   RepaintWords words;
   std::uint32_t now = 5000;
   std::uint32_t tickDurationMs = 0;
-  std::vector<std::string> steps;           ///< "1x30" for thirty polling sleeps, "30", "tick"
+  std::vector<std::string> steps;  ///< "1x30" for thirty polling sleeps, "30", "tick"
   std::vector<std::uint32_t> tickTimes;
   std::function<void()> onTick = [] {};
   std::function<void(std::uint32_t)> onSleep = [](std::uint32_t) {};

@@ -17,8 +17,8 @@ TEST(CentredWindows, FollowTheirDefinitionForEveryLength) {
       for (std::size_t i = 0; i < n; ++i) {
         const long double expected = av::test::exactWindow(type, i, n);
         // Weights are at most about 1 and come from a cosine and two roundings: a few units of 2^-53.
-        ASSERT_NEAR(centredWindowWeight(type, static_cast<int>(i), static_cast<int>(n)),
-                    static_cast<double>(expected), 5e-16)
+        ASSERT_NEAR(centredWindowWeight(type, static_cast<int>(i), static_cast<int>(n)), static_cast<double>(expected),
+                    5e-16)
             << "type " << type << ", N = " << n << ", i = " << i;
       }
     }
@@ -75,8 +75,7 @@ TEST(CentredWindow, MultipliesByTheWeightsOfTheCurrentTypeAndLength) {
     auto y = x;
     window.apply(step.type, y);
     for (std::size_t i = 0; i < x.size(); ++i) {
-      const double weight =
-          centredWindowWeight(step.type, static_cast<int>(i), static_cast<int>(step.length));
+      const double weight = centredWindowWeight(step.type, static_cast<int>(i), static_cast<int>(step.length));
       ASSERT_EQ(y[i], x[i] * weight) << "type " << step.type << ", i = " << i;
     }
   }

@@ -61,8 +61,8 @@ TEST(Hartley, MatchesTheExactTransformOfNoiseForEveryLength) {
 
 TEST(Hartley, MatchesTheExactTransformOfImpulsesAnywhere) {
   for (const std::size_t n : av::test::windowSizes) {
-    for (const std::size_t place : {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{3}, n / 4 + 1, n / 2,
-                                    n / 2 + 3, n - 1}) {
+    for (const std::size_t place :
+         {std::size_t{0}, std::size_t{1}, std::size_t{2}, std::size_t{3}, n / 4 + 1, n / 2, n / 2 + 3, n - 1}) {
       std::vector<double> x(n, 0.0);
       x[place] = 1.0;
       SCOPED_TRACE(place);

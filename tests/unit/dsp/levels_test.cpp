@@ -17,8 +17,8 @@
 namespace {
 
 using av::dsp::CentredWindow;
-using av::dsp::HartleyTransform;
 using av::dsp::hartleyBinsToLevels;
+using av::dsp::HartleyTransform;
 
 std::vector<double> sine(std::size_t n, double bin, double amplitude, double phase) {
   std::vector<double> x(n);

@@ -182,12 +182,8 @@ TEST_F(ViewAnalysisTest, EveryAcceptedBlockSetsFullScaleAndDynamicRange) {
     int bits;
     double fullScale, rangeDb;
     int reads;
-  } cases[] = {{8, 127.0, 42.076, 42},
-               {16, 32767.0, 90.309, 90},
-               {24, 8388607.0, 138.474, 138},
-               {32, 2147483647.0, 186.639, 186},
-               {12, 2047.0, 66.222, 66},
-               {20, 524287.0, 114.391, 114}};
+  } cases[] = {{8, 127.0, 42.076, 42},           {16, 32767.0, 90.309, 90}, {24, 8388607.0, 138.474, 138},
+               {32, 2147483647.0, 186.639, 186}, {12, 2047.0, 66.222, 66},  {20, 524287.0, 114.391, 114}};
   for (const auto& c : cases) {
     for (const int frames : {1024, 1023, 0}) {
       m_settings.dynamicRangeDb = 60.0;
@@ -266,8 +262,7 @@ TEST_F(ViewAnalysisTest, KeepsSamplesOnTheirOwnScaleInEveryDepthAndChannel) {
       EXPECT_EQ(accept(makePcm(bits, 5, 1024, sample)), Outcome::analysed);
       for (int channel = 0; channel < 5; ++channel) {
         for (int frame = 0; frame < 1024; ++frame)
-          ASSERT_EQ(analysisOf(channel)[static_cast<std::size_t>(frame)],
-                    static_cast<double>(sample(frame, channel)))
+          ASSERT_EQ(analysisOf(channel)[static_cast<std::size_t>(frame)], static_cast<double>(sample(frame, channel)))
               << "type " << type << ", " << bits << " bits";
       }
     }
@@ -635,8 +630,17 @@ TEST_F(ViewAnalysisTest, ResetWritesTheTypeTimesMinus200UpToTypeFive) {
   const struct {
     int type;
     double value;
-  } cases[] = {{1, -200.0}, {2, -400.0}, {3, -600.0}, {4, -800.0}, {5, -1000.0}, {6, 0.0},
-               {7, 0.0},    {9, 0.0},    {0, 0.0},    {-1, 200.0}, {std::numeric_limits<int>::min(), 429496729600.0}};
+  } cases[] = {{1, -200.0},
+               {2, -400.0},
+               {3, -600.0},
+               {4, -800.0},
+               {5, -1000.0},
+               {6, 0.0},
+               {7, 0.0},
+               {9, 0.0},
+               {0, 0.0},
+               {-1, 200.0},
+               {std::numeric_limits<int>::min(), 429496729600.0}};
   for (const auto& c : cases) {
     m_settings.visualizationType = c.type;
     m_analysis.reset(m_settings);

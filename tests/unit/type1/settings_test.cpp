@@ -191,9 +191,9 @@ TEST(DynamicRange, IsADoubleThatReadsTruncated) {
 TEST(FFTWindowSize, RoundsToThePowerOfTwoThatIsNearestInTheLogarithm) {
   const struct {
     std::int32_t put, stored;
-  } cases[] = {{90, 64},     {91, 128},      {181, 128},     {182, 256},        {1000, 1024},   {10, 64},
-               {0, 64},      {-5, 64},       {lowest, 64},   {64, 64},          {65, 64},       {100000, 16384},
-               {11585, 8192}, {11586, 16384}, {16384, 16384}, {16385, 16384},    {highest, 16384}};
+  } cases[] = {{90, 64},      {91, 128},      {181, 128},     {182, 256},     {1000, 1024},    {10, 64},
+               {0, 64},       {-5, 64},       {lowest, 64},   {64, 64},       {65, 64},        {100000, 16384},
+               {11585, 8192}, {11586, 16384}, {16384, 16384}, {16385, 16384}, {highest, 16384}};
   for (const auto& c : cases) {
     ViewSettings settings;
     applyPut(rule::fftWindowSize, settings, c.put);

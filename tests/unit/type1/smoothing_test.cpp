@@ -59,8 +59,8 @@ TEST(Smoothing, HasConvergedWhenBothTruncateToTheSameNumber) {
     std::vector<double> d(2, display);
     return smoothToward(a, d);
   };
-  EXPECT_TRUE(converged(0.9, -1.5));    // −0.3 and 0.9: both 0, as neither floor nor rounding would have it
-  EXPECT_FALSE(converged(10.0, 9.0));   // 9.5
+  EXPECT_TRUE(converged(0.9, -1.5));     // −0.3 and 0.9: both 0, as neither floor nor rounding would have it
+  EXPECT_FALSE(converged(10.0, 9.0));    // 9.5
   EXPECT_TRUE(converged(-10.0, -10.9));  // −10.45
   EXPECT_FALSE(converged(-10.9, -9.0));  // −9.475
   EXPECT_TRUE(converged(5.0, 5.0));

@@ -212,7 +212,8 @@ TEST(InvokeSendAudioData, CountsItsArguments) {
   Sent sent;
   UINT argumentError = 99;
   EXPECT_EQ(DISP_E_BADPARAMCOUNT, invoke({}, sent, &argumentError));
-  EXPECT_EQ(DISP_E_BADPARAMCOUNT, invoke({object(VT_UNKNOWN, nullptr), object(VT_UNKNOWN, nullptr)}, sent, &argumentError));
+  EXPECT_EQ(DISP_E_BADPARAMCOUNT,
+            invoke({object(VT_UNKNOWN, nullptr), object(VT_UNKNOWN, nullptr)}, sent, &argumentError));
   EXPECT_EQ(99u, argumentError);  // no single argument is to blame
   VARIANT omitted = variant(VT_ERROR);
   V_ERROR(&omitted) = DISP_E_PARAMNOTFOUND;
@@ -298,19 +299,17 @@ TEST_F(InvokeFailure, AComErrorFillsTheExceptionFromItsErrorInformation) {
 
 TEST_F(InvokeFailure, AFailingResultFillsItFromTheThread) {
   const auto info = av::support::makeErrorInfo(L"the disk is gone", L"Host.Buffer");
-  EXPECT_EQ(DISP_E_EXCEPTION, invokeWith(
-                                  [&](IUnknown*) {
-                                    return av::guardSendAudioData([&] { fail(info.Get()); }, HostErrorExit::result);
-                                  },
-                                  &exception));
+  EXPECT_EQ(
+      DISP_E_EXCEPTION,
+      invokeWith([&](IUnknown*) { return av::guardSendAudioData([&] { fail(info.Get()); }, HostErrorExit::result); },
+                 &exception));
   EXPECT_EQ(hostFailure, exception.scode);
   EXPECT_STREQ(L"the disk is gone", exception.bstrDescription);
   EXPECT_EQ(nullptr, av::support::takeErrorInfo());
 }
 
 TEST_F(InvokeFailure, WithoutErrorInformationTheSystemsWordsDescribeIt) {
-  EXPECT_EQ(DISP_E_EXCEPTION,
-            invokeWith([](IUnknown*) -> HRESULT { throw _com_error(E_OUTOFMEMORY); }, &exception));
+  EXPECT_EQ(DISP_E_EXCEPTION, invokeWith([](IUnknown*) -> HRESULT { throw _com_error(E_OUTOFMEMORY); }, &exception));
   EXPECT_EQ(E_OUTOFMEMORY, exception.scode);
   ASSERT_NE(nullptr, exception.bstrDescription);
   EXPECT_NE(0u, SysStringLen(exception.bstrDescription));
@@ -345,8 +344,14 @@ class MethodObject final : public Method {};
 
 TEST(InvokeSendAudioData, AgreesWithTheSystemsDispatchOfTheSameMethod) {
   PARAMDATA parameter = {const_cast<OLECHAR*>(L"AudioData"), VT_UNKNOWN};
-  METHODDATA method = {const_cast<OLECHAR*>(L"SendAudioData"), &parameter, av::dispidSendAudioData, 0, CC_STDCALL, 1,
-                       DISPATCH_METHOD, VT_ERROR};
+  METHODDATA method = {const_cast<OLECHAR*>(L"SendAudioData"),
+                       &parameter,
+                       av::dispidSendAudioData,
+                       0,
+                       CC_STDCALL,
+                       1,
+                       DISPATCH_METHOD,
+                       VT_ERROR};
   INTERFACEDATA interfaceData = {&method, 1};
   ComPtr<ITypeInfo> classInfo;
   ASSERT_EQ(S_OK, CreateDispTypeInfo(&interfaceData, LOCALE_SYSTEM_DEFAULT, classInfo.GetAddressOf()));

@@ -193,8 +193,7 @@ TEST(AudioInput, ANullPackedBufferEndsTheConversation) {
   script.packedData.bufferSizes = {1000};
   ScriptedAudioData data(script);
   expectDropped(data);
-  EXPECT_THAT(data.calls(),
-              ElementsAre("query frame", "query packed", "packed GetBufferSize", "packed GetBuffer"));
+  EXPECT_THAT(data.calls(), ElementsAre("query frame", "query packed", "packed GetBufferSize", "packed GetBuffer"));
 }
 
 TEST(AudioInput, APackedBufferThatIsGoneAtTheSecondLookDropsTheBlock) {
@@ -267,9 +266,19 @@ TEST(AudioInput, ThePackedDataSizeBoundsTheSamplesFromBelowAndTheBufferFromAbove
   const struct {
     LONG dataSize;
     std::int32_t sampleBytes;
-  } cases[] = {{58, 40},           {57, 39},      {22, 4},     {18, 0},           {17, -1},
-               {0, -18},           {-1, -19},     {59, 40},    {100000, 40},      {LONG_MAX, 40},
-               {LONG_MIN, LONG_MIN}, {LONG_MIN + 17, LONG_MIN}, {LONG_MIN + 19, LONG_MIN + 1}};
+  } cases[] = {{58, 40},
+               {57, 39},
+               {22, 4},
+               {18, 0},
+               {17, -1},
+               {0, -18},
+               {-1, -19},
+               {59, 40},
+               {100000, 40},
+               {LONG_MAX, 40},
+               {LONG_MIN, LONG_MIN},
+               {LONG_MIN + 17, LONG_MIN},
+               {LONG_MIN + 19, LONG_MIN + 1}};
   for (const auto& one : cases) {
     AudioDataScript script = packed(memory);
     script.packedData.dataSizes = {one.dataSize};
@@ -514,10 +523,14 @@ TEST_F(AudioInputFailure, CarriesTheErrorInformationThatTheHostDeclares) {
     IID declared;
     bool carried;
   } cases[] = {
-      {0, __uuidof(av::IPackedAudioData), true},  {0, __uuidof(av::IMediaDataBuffer), true},
-      {0, __uuidof(av::IAudioFrameData), false},  {5, __uuidof(av::IAudioFrameData), true},
-      {5, __uuidof(av::IMediaDataBuffer), false}, {7, __uuidof(av::IMediaDataBuffer), true},
-      {7, __uuidof(av::IAudioFrameData), true},   {7, __uuidof(av::IPackedAudioData), false},
+      {0, __uuidof(av::IPackedAudioData), true},
+      {0, __uuidof(av::IMediaDataBuffer), true},
+      {0, __uuidof(av::IAudioFrameData), false},
+      {5, __uuidof(av::IAudioFrameData), true},
+      {5, __uuidof(av::IMediaDataBuffer), false},
+      {7, __uuidof(av::IMediaDataBuffer), true},
+      {7, __uuidof(av::IAudioFrameData), true},
+      {7, __uuidof(av::IPackedAudioData), false},
       {7, IID_IUnknown, false},
   };
   for (const auto& one : cases) {

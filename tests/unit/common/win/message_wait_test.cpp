@@ -22,8 +22,8 @@ class TestWindow {
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = L"MessageWaitTest";
     RegisterClassW(&windowClass);
-    m_window = CreateWindowExW(0, L"MessageWaitTest", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                               windowClass.hInstance, this);
+    m_window =
+        CreateWindowExW(0, L"MessageWaitTest", L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr, windowClass.hInstance, this);
   }
   ~TestWindow() { DestroyWindow(m_window); }
   TestWindow(const TestWindow&) = delete;

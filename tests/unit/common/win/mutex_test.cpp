@@ -64,9 +64,7 @@ TEST(Mutex, ThatAThreadDiedWithGoesToTheNextOne) {
 TEST(Mutex, WithoutAHandleLocksNothing) {
   av::Mutex mutex(nullptr);
   SetLastError(0);
-  {
-    const std::lock_guard guard(mutex);
-  }
+  { const std::lock_guard guard(mutex); }
   EXPECT_EQ(nullptr, mutex.handle());
   EXPECT_EQ(0u, GetLastError());  // neither the wait nor the release met an invalid handle
 }

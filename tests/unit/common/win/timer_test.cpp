@@ -360,8 +360,7 @@ TEST_F(RepaintTimer, CostsNoMoreHandlesThanMarshallingItself) {
           made.thread.reset(CreateThread(nullptr, 0, takeAndRelease, stream, 0, nullptr));
         },
         &context);
-    EXPECT_TRUE(
-        dispatchUntil([&] { return WaitForSingleObject(context.thread.get(), 0) == WAIT_OBJECT_0; }));
+    EXPECT_TRUE(dispatchUntil([&] { return WaitForSingleObject(context.thread.get(), 0) == WAIT_OBJECT_0; }));
   };
   const auto timerCycle = [&] {
     const std::size_t before = ticks();
