@@ -248,7 +248,8 @@ class Container {
       container->m_window = window;
     }
     if (message == WM_GETMINMAXINFO) {  // comes before WM_NCCREATE too
-      // The host decides the size; the system would stop it at the screen's.
+      // The host decides the size; the system would stop it at the screen's and at that of a title bar's buttons.
+      reinterpret_cast<MINMAXINFO*>(lParam)->ptMinTrackSize = {1, 1};
       reinterpret_cast<MINMAXINFO*>(lParam)->ptMaxTrackSize = {0x7FFF, 0x7FFF};
       return 0;
     }

@@ -196,6 +196,14 @@ TEST_F(ContainerTest, MayBeLargerThanTheScreen) {
   EXPECT_EQ(size.cy, client.bottom);
 }
 
+TEST_F(ContainerTest, MayBeSmallerThanATitleBar) {
+  ASSERT_EQ(S_OK, container.resize({60, 40}));
+  RECT client;
+  GetClientRect(container.window(), &client);
+  EXPECT_EQ(60, client.right);
+  EXPECT_EQ(40, client.bottom);
+}
+
 TEST_F(ContainerTest, SitesFirstWhenTheControlAsksForIt) {
   ASSERT_EQ(S_OK, container.host(unknownOf(control)));
   EXPECT_THAT(control.calls, ElementsAre("SetClientSite", "InitNew", "Advise", "SetAdvise", "SetExtent", "DoVerb -5"));
