@@ -121,8 +121,26 @@ TEST_P(WindowlessTalk, ASiteThatSaysNoGetsAWindow) {
   EXPECT_TRUE(isLeftAlone(m_container));
 }
 
-INSTANTIATE_TEST_SUITE_P(, WindowlessTalk, testing::ValuesIn(allControlClasses),
+// The level meter is not among them: it always has a window.
+INSTANTIATE_TEST_SUITE_P(, WindowlessTalk, testing::Values(allControlClasses[0], allControlClasses[2]),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
+
+class LevelMeterTalk : public TalkTest {};
+
+TEST_F(LevelMeterTalk, TakesAWindowAlsoWhereItCouldDoWithoutAndNeverAsks) {
+  RecordingContainer container({.site = RecordingContainer::Site::windowless});
+  ASSERT_NO_FATAL_FAILURE(giveAndSite(container, CLSID_CAudioVisualization4Type2));
+  ASSERT_EQ(S_OK, container.doVerb(OLEIVERB_SHOW));
+  EXPECT_TRUE(agree(Conversation{"IOleInPlaceSite::CanInPlaceActivate()", "IOleInPlaceSiteEx::OnInPlaceActivateEx(0)",
+                                 inAnyOrder({"IOleInPlaceSite::GetWindow()", "IOleInPlaceSite::GetWindowContext()"})} +
+                        showing,
+                    container.log.take()));
+  EXPECT_TRUE(container.controlWindow());
+  ASSERT_EQ(S_OK, container.close());
+  EXPECT_TRUE(agree(leaving + closing, container.log.take()));
+  EXPECT_EQ(0u, container.releaseControl());
+  EXPECT_TRUE(isLeftAlone(container));
+}
 
 }  // namespace
 }  // namespace av::test
