@@ -57,7 +57,9 @@ HRESULT InPlaceSession::enter(IOleClientSite& client) {
   m_document = document;
   m_position = position;
   if (!m_window.create(parent, position, m_control)) return fail(E_FAIL);
-  return m_active ? setObjectRects(position, clip) : fail(E_FAIL);
+  if (!m_active) return fail(E_FAIL);
+  // A control that is too small asks for another rectangle while its window is being made, and has it by now.
+  return EqualRect(&m_position, &position) ? setObjectRects(position, clip) : S_OK;
 }
 
 HRESULT InPlaceSession::fail(HRESULT reason) {

@@ -30,7 +30,7 @@ STDMETHODIMP OleObject::Close(DWORD saveOption) {
   // The content can be lost without asking: a prompt would need words that belong to the container.
   if (control().isDirty() && saveOption != OLECLOSE_NOSAVE) {
     const ComPtr<IOleClientSite> site = control().clientSite();
-    if (site) site->SaveObject();
+    if (site && SUCCEEDED(site->SaveObject())) saved();
   }
   const ComPtr<IOleAdviseHolder> holder = m_adviseHolder;
   if (holder) holder->SendOnClose();

@@ -3,6 +3,7 @@
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
 
+#include <algorithm>
 #include <mutex>
 
 namespace av::type1 {
@@ -14,6 +15,7 @@ const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type1, L"CAudioVisu
                                        OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
 
 constexpr std::uint32_t repaintPeriodMs = 30;
+constexpr SIZE minimumSize{80, 50};  // pixels
 
 }  // namespace
 
@@ -76,7 +78,22 @@ bool CAudioVisualization4Type1::handleMessage(UINT message, WPARAM, LPARAM, LRES
   return true;
 }
 
-void CAudioVisualization4Type1::resized() { layoutWindow(); }
+void CAudioVisualization4Type1::resized() {
+  keepMinimumSize();
+  layoutWindow();
+}
+
+void CAudioVisualization4Type1::keepMinimumSize() {
+  RECT client{};
+  if (!hasActiveWindow() || !GetClientRect(inPlace().window(), &client)) return;
+  const LONG width = std::max(client.right, minimumSize.cx);
+  const LONG height = std::max(client.bottom, minimumSize.cy);
+  const Microsoft::WRL::ComPtr<IOleInPlaceSite> site = inPlace().site();
+  if (!site || (width == client.right && height == client.bottom)) return;
+  const RECT& now = inPlace().position();
+  const RECT wanted{now.left, now.top, now.left + width, now.top + height};
+  site->OnPosRectChange(&wanted);  // answered with SetObjectRects, from inside as a rule
+}
 
 void CAudioVisualization4Type1::layoutWindow() {
   RECT client{};

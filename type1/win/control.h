@@ -96,6 +96,8 @@ class CAudioVisualization4Type1 final : public ole::Control, public ole::Dual<IA
 
   void pushBlock(IUnknown* audioData);
   void layoutWindow();
+  /// Asks the site for more room when the window is smaller than scales and curves can use.
+  void keepMinimumSize();
 
   Mutex m_mutex;
   CriticalSection m_drawingLock;
