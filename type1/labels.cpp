@@ -39,6 +39,7 @@ class Placement {
         m_measure(measure),
         m_colour(settings.textAndLineColors[0]),
         m_gapPx(std::max(2, layout.textHeightPx / 6)),
+        m_edgePx(std::max(1, layout.textHeightPx / 5)),
         // One more for the row that a label may gain when it is centred.
         m_rowPitchPx(std::int64_t{std::max(layout.textHeightPx, measure.measure("0").heightPx)} + 1 + m_gapPx) {}
 
@@ -65,7 +66,7 @@ class Placement {
     Rect rect{0, client.bottom - m_layout.xScaleHeightPx, 0, client.bottom};
     if (rect.height() < size.heightPx) return;
     // Behind the last label like a unit behind its number; else before the first one.
-    for (const int left : {client.right - edgePx - size.widthPx, client.left + edgePx}) {
+    for (const int left : {client.right - m_edgePx - size.widthPx, client.left + m_edgePx}) {
       rect.left = left;
       rect.right = left + size.widthPx;
       const Rect box = textBox(unit, rect);
@@ -81,12 +82,12 @@ class Placement {
     if (!yStripShown()) return;
     const Rect strip = yStrip();
     const Size size = m_measure.measure(verticalUnit);
-    Rect rect{strip.right - edgePx - size.widthPx, strip.top + edgePx, strip.right - edgePx,
-              strip.top + edgePx + size.heightPx};
+    Rect rect{strip.right - m_edgePx - size.widthPx, strip.top + 1, strip.right - m_edgePx,
+              strip.top + 1 + size.heightPx};
     if (rect.left < strip.left + 1 || rect.bottom > strip.bottom) return;
     if (touchesAnother(rect)) {
       Rect atBottom = rect;
-      atBottom.bottom = strip.bottom - edgePx;
+      atBottom.bottom = strip.bottom - 1;
       atBottom.top = atBottom.bottom - size.heightPx;
       const auto inTheWay = [&](const TextRun& label) { return touch(rect, textBox(label.text, label.rect), m_gapPx); };
       const auto firstLabel = m_texts.begin() + m_firstVerticalLabel;
@@ -131,7 +132,7 @@ class Placement {
 
     const Rect strip = yStrip();
     // The numbers stand near the plot, and as close to it as the unit text needs to fit beside them.
-    const int unitWidthPx = m_measure.measure(verticalUnit).widthPx + edgePx;
+    const int unitWidthPx = m_measure.measure(verticalUnit).widthPx + m_edgePx;
     const int besideUnitPx = strip.width() - columnWidthPx - unitWidthPx - m_gapPx;
     const int padPx = std::clamp(besideUnitPx, 1, std::max(1, m_layout.textHeightPx / 3));
     const int columnRight = strip.left + padPx + columnWidthPx;
@@ -223,7 +224,6 @@ class Placement {
   }
 
   static constexpr std::string_view verticalUnit = "dB ";
-  static constexpr int edgePx = 1;  ///< keeps unit texts off the border
 
   std::vector<TextRun>& m_texts;
   const ViewSettings& m_settings;
@@ -232,6 +232,7 @@ class Placement {
   const TextMeasure& m_measure;
   Argb m_colour;
   int m_gapPx;
+  int m_edgePx;  ///< keeps unit texts off the border at the side
   std::int64_t m_rowPitchPx;
   std::ptrdiff_t m_firstVerticalLabel = 0;
 };

@@ -9,6 +9,14 @@ namespace av {
 using namespace Gdiplus;
 using namespace Gdiplus::DllExports;
 
+namespace {
+
+/// Fonts already come in the screen's pixels (their LOGFONT), which are then taken as points. On a picture of the screen's
+/// own resolution that would scale them twice: at 192 DPI texts would be four times as high as at 96, not twice.
+constexpr REAL pictureDpi = 96;
+
+}  // namespace
+
 OffscreenSurface::~OffscreenSurface() { release(); }
 
 void OffscreenSurface::release() noexcept {
@@ -55,6 +63,7 @@ bool OffscreenSurface::resize(Size size) noexcept {
     return false;
   }
   made.m_bitmap.reset(bitmap);
+  if (GdipBitmapSetResolution(bitmap, pictureDpi, pictureDpi) != Ok) return false;
   GpGraphics* graphics = nullptr;
   if (GdipGetImageGraphicsContext(bitmap, &graphics) != Ok) return false;
   made.m_graphics.reset(graphics);

@@ -18,7 +18,7 @@ class OffscreenSurface {
   OffscreenSurface(const OffscreenSurface&) = delete;
   OffscreenSurface& operator=(const OffscreenSurface&) = delete;
 
-  /// Makes the picture `size` pixels large; new pictures are transparent black. Keeps what is there when the size is
+  /// Makes the picture `size` pixels large, at 96 DPI; new pictures are transparent black. Keeps what is there when the size is
   /// the same. False when the size is empty or there is no memory; the old picture is kept then.
   /// A change of size replaces the graphics: whoever keeps it has to ask again.
   bool resize(Size size) noexcept;

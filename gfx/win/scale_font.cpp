@@ -107,8 +107,13 @@ FontHandle createScaleFont(IUnknown* font) {
 }
 
 int fontHeightPx(const GpFont* font, const GpGraphics* graphics) noexcept {
+  // Not GdipGetFontHeight: Wine's takes the screen's resolution instead of the surface's.
+  REAL dpi = 0;
   REAL height = 0;
-  if (!font || !graphics || GdipGetFontHeight(font, graphics, &height) != Ok) return 0;
+  if (!font || !graphics || GdipGetDpiY(const_cast<GpGraphics*>(graphics), &dpi) != Ok ||
+      GdipGetFontHeightGivenDPI(font, dpi, &height) != Ok) {
+    return 0;
+  }
   return truncToInt(static_cast<double>(height) + 0.5);
 }
 

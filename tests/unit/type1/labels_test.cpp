@@ -162,11 +162,11 @@ TEST(UnitTexts, StandInTheRightHandCornersOfTheirStrips) {
   view.place(640, 400);
   const TextRun* const decibel = view.unit("dB ");
   ASSERT_NE(nullptr, decibel);
-  EXPECT_EQ(639, decibel->rect.right);
+  EXPECT_EQ(638, decibel->rect.right);
   EXPECT_EQ(1, decibel->rect.top);
   const TextRun* const samples = view.unit("smpl");
   ASSERT_NE(nullptr, samples);
-  EXPECT_EQ(639, samples->rect.right);
+  EXPECT_EQ(638, samples->rect.right);
   EXPECT_EQ(400, samples->rect.bottom);
   view.settings.visualizationType = 2;
   view.place(640, 400);

@@ -110,6 +110,25 @@ TEST_F(ScaleFontTest, HasTheHeightThatThePlatformGivesRounded) {
   EXPECT_EQ(0, fontHeightPx(font.get(), nullptr));
 }
 
+TEST_F(ScaleFontTest, IsAsHighAsTheSurfaceResolutionSaysNotTheScreens) {
+  using namespace Gdiplus;
+  using namespace Gdiplus::DllExports;
+  const FontHandle font = createScaleFont(oleFont(L"Arial", 12, FW_NORMAL, false, false).Get());
+  int heights[2] = {};
+  for (int i = 0; i < 2; ++i) {
+    GpBitmap* bitmap = nullptr;
+    GpGraphics* graphics = nullptr;
+    ASSERT_EQ(Ok, GdipCreateBitmapFromScan0(8, 8, 0, PixelFormat32bppPARGB, nullptr, &bitmap));
+    const BitmapHandle ownedBitmap(bitmap);
+    ASSERT_EQ(Ok, GdipBitmapSetResolution(bitmap, i ? 192 : 96, i ? 192 : 96));
+    ASSERT_EQ(Ok, GdipGetImageGraphicsContext(bitmap, &graphics));
+    const GraphicsHandle ownedGraphics(graphics);
+    heights[i] = fontHeightPx(font.get(), graphics);
+  }
+  EXPECT_NEAR(2 * heights[0], heights[1], 1);
+  EXPECT_EQ(heights[0], fontHeightPx(font.get(), surface.graphics())) << "off-screen pictures are at 96 DPI";
+}
+
 TEST_F(ScaleFontTest, GrowsWithTheSize) {
   int last = 0;
   for (const double points : {6.0, 9.0, 12.0, 18.0, 24.0}) {
