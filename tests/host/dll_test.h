@@ -2,6 +2,7 @@
 
 #include "host/create.h"
 #include "host/message_pump.h"
+#include "support/win/dll.h"
 
 #include <windows.h>
 
@@ -21,6 +22,8 @@ class DllTest : public testing::Test {
  protected:
   void SetUp() override {
     ASSERT_EQ(S_OK, m_apartment.result());
+    // Wine registers a type library that it finds through a manifest, as it does when a control's timer starts.
+    ASSERT_EQ(S_OK, LoadedDll().unregisterServer());
     ASSERT_EQ(S_OK, m_library.loadBesideProgram(dllName));
     ASSERT_EQ(S_OK, m_library.canUnloadNow());
   }
