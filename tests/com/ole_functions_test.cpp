@@ -1,0 +1,158 @@
+// The helper functions of the OLE library, as applications call them on any embedded object.
+
+#include "host/manifest_test.h"
+
+#include <ocidl.h>
+#include <ole2.h>
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace av::test {
+namespace {
+
+struct ControlClass {
+  const char* name;
+  const CLSID& classId;
+};
+
+void PrintTo(const ControlClass& controlClass, std::ostream* out) { *out << controlClass.name; }
+
+/// A 32-bit picture in memory that GDI draws into.
+class MemoryPicture {
+ public:
+  MemoryPicture(int width, int height) : m_count(static_cast<std::size_t>(width * height)) {
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    m_bitmap = CreateDIBSection(m_context, &info, DIB_RGB_COLORS, &m_bits, nullptr, 0);
+    m_old = SelectObject(m_context, m_bitmap);
+    const RECT all{0, 0, width, height};
+    FillRect(m_context, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
+  }
+  ~MemoryPicture() {
+    SelectObject(m_context, m_old);
+    DeleteObject(m_bitmap);
+    DeleteDC(m_context);
+  }
+  MemoryPicture(const MemoryPicture&) = delete;
+  MemoryPicture& operator=(const MemoryPicture&) = delete;
+
+  HDC context() const { return m_context; }
+  /// 0x00RRGGBB, top row first.
+  std::vector<std::uint32_t> pixels() const {
+    GdiFlush();
+    const auto* first = static_cast<const std::uint32_t*>(m_bits);
+    std::vector<std::uint32_t> copy(first, first + m_count);
+    for (std::uint32_t& pixel : copy) pixel &= 0xFFFFFF;
+    return copy;
+  }
+
+ private:
+  std::size_t m_count;
+  HDC m_context = CreateCompatibleDC(nullptr);
+  HBITMAP m_bitmap = nullptr;
+  HGDIOBJ m_old = nullptr;
+  void* m_bits = nullptr;
+};
+
+class OleFunctions : public ManifestTest, public testing::WithParamInterface<ControlClass> {
+ protected:
+  void SetUp() override {
+    ManifestTest::SetUp();
+    m_control = create<IOleObject>(GetParam().classId);
+    ASSERT_TRUE(m_control);
+  }
+  void TearDown() override {
+    EXPECT_EQ(0u, m_control ? m_control.Reset() : 0u) << "references were lost";
+    ManifestTest::TearDown();
+  }
+
+  static void setExtent(IOleObject& control, SIZEL himetric) {
+    EXPECT_EQ(S_OK, control.SetExtent(DVASPECT_CONTENT, &himetric));
+  }
+  static SIZEL extentOf(IOleObject& control) {
+    SIZEL himetric{};
+    EXPECT_EQ(S_OK, control.GetExtent(DVASPECT_CONTENT, &himetric));
+    return himetric;
+  }
+
+  static ComPtr<IStream> memoryStream() {
+    ComPtr<IStream> stream;
+    EXPECT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, &stream));
+    return stream;
+  }
+  static void rewind(IStream& stream) { EXPECT_EQ(S_OK, stream.Seek(LARGE_INTEGER{}, STREAM_SEEK_SET, nullptr)); }
+  static ULONGLONG sizeOf(IStream& stream) {
+    STATSTG status{};
+    EXPECT_EQ(S_OK, stream.Stat(&status, STATFLAG_NONAME));
+    return status.cbSize.QuadPart;
+  }
+
+  ComPtr<IOleObject> m_control;
+};
+
+TEST_P(OleFunctions, OleRunFindsAnObjectThatNeedsNoStart) {
+  EXPECT_EQ(S_OK, OleRun(m_control.Get()));
+  EXPECT_TRUE(OleIsRunning(m_control.Get()));
+}
+
+TEST_P(OleFunctions, OleDrawGivesThePictureOfTheViewObject) {
+  setExtent(*m_control.Get(), {5080, 2540});
+  const RECT bounds{20, 10, 180, 90};
+  MemoryPicture byFunction(200, 100), byInterface(200, 100), untouched(200, 100);
+  EXPECT_EQ(S_OK, OleDraw(m_control.Get(), DVASPECT_CONTENT, byFunction.context(), &bounds));
+  ComPtr<IViewObject> view;
+  ASSERT_EQ(S_OK, m_control.As(&view));
+  const RECTL logical{bounds.left, bounds.top, bounds.right, bounds.bottom};
+  EXPECT_EQ(S_OK, view->Draw(DVASPECT_CONTENT, -1, nullptr, nullptr, nullptr, byInterface.context(), &logical, nullptr,
+                             nullptr, 0));
+  EXPECT_EQ(byInterface.pixels(), byFunction.pixels());
+  EXPECT_NE(untouched.pixels(), byFunction.pixels());
+  EXPECT_EQ(DV_E_DVASPECT, OleDraw(m_control.Get(), DVASPECT_ICON, byFunction.context(), &bounds));
+}
+
+TEST_P(OleFunctions, AStreamKeepsClassAndSize) {
+  setExtent(*m_control.Get(), {7777, 3333});
+  ComPtr<IPersistStream> persist;
+  ASSERT_EQ(S_OK, m_control.As(&persist));
+  const ComPtr<IStream> stream = memoryStream();
+  ASSERT_EQ(S_OK, OleSaveToStream(persist.Get(), stream.Get()));
+  EXPECT_EQ(sizeof(CLSID) + 12, sizeOf(*stream.Get()));
+  rewind(*stream.Get());
+  ComPtr<IOleObject> loaded;
+  ASSERT_EQ(S_OK, OleLoadFromStream(stream.Get(), IID_PPV_ARGS(&loaded)));
+  CLSID classId{};
+  EXPECT_EQ(S_OK, loaded->GetUserClassID(&classId));
+  EXPECT_EQ(GetParam().classId, classId);
+  EXPECT_EQ(7777, extentOf(*loaded.Get()).cx);
+  EXPECT_EQ(3333, extentOf(*loaded.Get()).cy);
+  EXPECT_EQ(0u, loaded.Reset());
+}
+
+TEST_P(OleFunctions, AStreamThatEndsEarlyLoadsNothingAndLeavesNothingBehind) {
+  ComPtr<IPersistStream> persist;
+  ASSERT_EQ(S_OK, m_control.As(&persist));
+  for (const ULONG kept : {0u, 3u, 4u, 8u, 11u}) {
+    const ComPtr<IStream> stream = memoryStream();
+    ASSERT_EQ(S_OK, OleSaveToStream(persist.Get(), stream.Get()));
+    ULARGE_INTEGER shorter{};
+    shorter.QuadPart = sizeof(CLSID) + kept;
+    ASSERT_EQ(S_OK, stream->SetSize(shorter));
+    rewind(*stream.Get());
+    IOleObject* loaded = nullptr;
+    EXPECT_TRUE(FAILED(OleLoadFromStream(stream.Get(), IID_PPV_ARGS(&loaded)))) << kept << " bytes";
+    // Wine hands out the object that could not be loaded; nobody else holds it.
+    EXPECT_EQ(0u, loaded ? loaded->Release() : 0u);
+  }
+}
+
+const ControlClass allClasses[] = {{"Type1", CLSID_CAudioVisualization4Type1},
+                                   {"Type2", CLSID_CAudioVisualization4Type2},
+                                   {"Type3", CLSID_CAudioVisualization4Type3}};
+
+INSTANTIATE_TEST_SUITE_P(, OleFunctions, testing::ValuesIn(allClasses),
+                         [](const auto& parameter) { return std::string(parameter.param.name); });
+
+}  // namespace
+}  // namespace av::test
