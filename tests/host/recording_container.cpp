@@ -44,8 +44,16 @@ void RecordingContainer::destroyWindow() {
   m_window = nullptr;
 }
 
+void RecordingContainer::take(ComPtr<IOleObject>&& control) {
+  m_control = std::move(control);
+  m_frame.letGo(false);
+  m_document.letGo(false);
+}
+
 ULONG RecordingContainer::releaseControl() {
   if (!m_control) return 0;
+  m_frame.letGo(true);
+  m_document.letGo(true);
   IOleObject* const last = m_control.Detach();
   return last->Release();
 }
@@ -78,16 +86,21 @@ HRESULT RecordingContainer::doVerb(LONG verb) {
 
 HRESULT RecordingContainer::close(DWORD saveOption) { return m_control->Close(saveOption); }
 
+IOleInPlaceObject* RecordingContainer::inPlaceObject() const {
+  IOleInPlaceObject* object = nullptr;
+  if (!m_control || FAILED(m_control->QueryInterface(IID_PPV_ARGS(&object)))) return nullptr;
+  object->Release();
+  return object;
+}
+
 HRESULT RecordingContainer::uiDeactivate() {
-  ComPtr<IOleInPlaceObject> object;
-  const HRESULT found = m_control.As(&object);
-  return FAILED(found) ? found : object->UIDeactivate();
+  IOleInPlaceObject* const object = inPlaceObject();
+  return object ? object->UIDeactivate() : E_UNEXPECTED;
 }
 
 HRESULT RecordingContainer::inPlaceDeactivate() {
-  ComPtr<IOleInPlaceObject> object;
-  const HRESULT found = m_control.As(&object);
-  return FAILED(found) ? found : object->InPlaceDeactivate();
+  IOleInPlaceObject* const object = inPlaceObject();
+  return object ? object->InPlaceDeactivate() : E_UNEXPECTED;
 }
 
 HRESULT RecordingContainer::resize(SIZE sizePx) {
@@ -102,10 +115,9 @@ HRESULT RecordingContainer::resize(SIZE sizePx) {
 
 HRESULT RecordingContainer::moveControl(const RECT& position) {
   m_rect = position;
-  ComPtr<IOleInPlaceObject> object;
-  if (!m_control || FAILED(m_control.As(&object))) return E_UNEXPECTED;
+  IOleInPlaceObject* const object = inPlaceObject();
   const RECT clip = clientRect();
-  return object->SetObjectRects(&position, &clip);
+  return object ? object->SetObjectRects(&position, &clip) : E_UNEXPECTED;
 }
 
 HRESULT RecordingContainer::saveControl() {
@@ -138,10 +150,9 @@ RECT RecordingContainer::clientRect() const {
 }
 
 HWND RecordingContainer::controlWindow() const {
-  ComPtr<IOleInPlaceObject> object;
+  IOleInPlaceObject* const object = inPlaceObject();
   HWND window = nullptr;
-  if (!m_control || FAILED(m_control.As(&object)) || FAILED(object->GetWindow(&window))) return nullptr;
-  return window;
+  return object && SUCCEEDED(object->GetWindow(&window)) ? window : nullptr;
 }
 
 long RecordingContainer::references() const {

@@ -38,12 +38,13 @@ class RecordingContainer {
   CallLog log;
 
   /// Takes the caller's reference on the control: with releaseControl() the container gives up the only one.
-  void take(Microsoft::WRL::ComPtr<IOleObject>&& control) { m_control = std::move(control); }
+  void take(Microsoft::WRL::ComPtr<IOleObject>&& control);
   IOleObject* control() const { return m_control.Get(); }
   /// Lets the control go as it is, sited, active or not. Returns the references that others hold.
   ULONG releaseControl();
 
-  // What a container does with its control. None of these holds a reference of its own on it.
+  // What a container does with its control. None of these holds a reference of its own meanwhile: when the container
+  // lets the control go inside of the call, nobody has one.
 
   /// SetClientSite.
   HRESULT site();
@@ -76,6 +77,7 @@ class RecordingContainer {
  private:
   friend class RecordingSite;
 
+  IOleInPlaceObject* inPlaceObject() const;  ///< not counted
   /// Answers IOleInPlaceSite::OnPosRectChange as containers do: with SetObjectRects.
   HRESULT moveControl(const RECT& position);
   HRESULT saveControl();

@@ -22,7 +22,11 @@ class RecordingWindow final : public IOleInPlaceFrame {
   HWND window = nullptr;
 
   IOleInPlaceActiveObject* activeObject() const { return m_activeObject.Get(); }
-  void forgetActiveObject() { m_activeObject.Reset(); }
+  /// A container that gives up its control keeps no active object of it, also none that is still to come.
+  void letGo(bool gone) {
+    m_gone = gone;
+    m_activeObject.Reset();
+  }
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     if (!object) return E_POINTER;
@@ -52,7 +56,7 @@ class RecordingWindow final : public IOleInPlaceFrame {
   }
   STDMETHODIMP SetActiveObject(IOleInPlaceActiveObject* object, LPCOLESTR) override {
     const HRESULT result = note("SetActiveObject", object ? "object" : "null");
-    if (SUCCEEDED(result)) m_activeObject = object;
+    if (SUCCEEDED(result) && !m_gone) m_activeObject = object;
     return result;
   }
   STDMETHODIMP InsertMenus(HMENU, OLEMENUGROUPWIDTHS*) override { return note("InsertMenus", "", E_NOTIMPL); }
@@ -70,6 +74,7 @@ class RecordingWindow final : public IOleInPlaceFrame {
   const std::string m_prefix;
   const bool m_isFrame;
   Microsoft::WRL::ComPtr<IOleInPlaceActiveObject> m_activeObject;
+  bool m_gone = false;
 };
 
 /// The view-change and close sink of a recording container.
