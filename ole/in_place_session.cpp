@@ -30,20 +30,23 @@ HRESULT InPlaceSession::enter(IOleClientSite& client) {
 
   const HRESULT possible = site->CanInPlaceActivate();
   if (possible != S_OK) return FAILED(possible) ? possible : E_FAIL;
+  if (m_active) return S_OK;  // activated from inside the question
 
   m_site = site;
   m_active = true;
+  const unsigned entry = ++m_entry;
   const HRESULT announced = site->OnInPlaceActivate();
+  if (entry != m_entry || !m_active) return overtaken();
   if (FAILED(announced)) {
     m_active = false;
     m_site.Reset();
     return announced;
   }
-  if (!m_active) return E_FAIL;  // closed meanwhile
 
   HWND parent = nullptr;
   const HRESULT parented = site->GetWindow(&parent);
-  if (FAILED(parented) || !m_active) return fail(FAILED(parented) ? parented : E_FAIL);
+  if (entry != m_entry || !m_active) return overtaken();
+  if (FAILED(parented)) return fail(parented);
 
   RECT position{}, clip{};
   OLEINPLACEFRAMEINFO frameInfo{};
@@ -51,16 +54,20 @@ HRESULT InPlaceSession::enter(IOleClientSite& client) {
   ComPtr<IOleInPlaceFrame> frame;
   ComPtr<IOleInPlaceUIWindow> document;
   const HRESULT placed = site->GetWindowContext(&frame, &document, &position, &clip, &frameInfo);
-  if (FAILED(placed) || !m_active) return fail(FAILED(placed) ? placed : E_FAIL);
+  if (entry != m_entry || !m_active) return overtaken();
+  if (FAILED(placed)) return fail(placed);
 
   m_frame = frame;
   m_document = document;
   m_position = position;
-  if (!m_window.create(parent, position, m_control)) return fail(E_FAIL);
-  if (!m_active) return fail(E_FAIL);
+  const bool made = m_window.create(parent, position, m_control);
+  if (entry != m_entry || !m_active) return overtaken();
+  if (!made) return fail(E_FAIL);
   // A control that is too small asks for another rectangle while its window is being made, and has it by now.
   return EqualRect(&m_position, &position) ? setObjectRects(position, clip) : S_OK;
 }
+
+HRESULT InPlaceSession::overtaken() const noexcept { return m_active ? S_OK : E_FAIL; }
 
 HRESULT InPlaceSession::fail(HRESULT reason) {
   deactivate();

@@ -39,6 +39,8 @@ class InPlaceSession {
  private:
   HRESULT enter(IOleClientSite& client);
   HRESULT fail(HRESULT reason);
+  /// The answer of an activation in whose middle the container closed the control, or closed and activated it again.
+  HRESULT overtaken() const noexcept;
 
   Control& m_control;
   Microsoft::WRL::ComPtr<IOleInPlaceSite> m_site;
@@ -46,6 +48,7 @@ class InPlaceSession {
   Microsoft::WRL::ComPtr<IOleInPlaceUIWindow> m_document;
   ControlWindow m_window;
   RECT m_position{};
+  unsigned m_entry = 0;  // counts activations: each is over when a later one has begun
   bool m_active = false;
   bool m_userInterfaceActive = false;
   bool m_clipped = false;  // the window carries a region

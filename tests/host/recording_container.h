@@ -27,6 +27,7 @@ class RecordingContainer {
     bool controlSite = true;     ///< the site answers IOleControlSite
     bool documentWindow = true;  ///< GetWindowContext gives a document window besides the frame
     bool oleContainer = true;    ///< GetContainer gives one
+    SIZE controlSize{200, 100};  ///< pixels
   };
 
   RecordingContainer() : RecordingContainer(Traits{}) {}
@@ -94,7 +95,7 @@ class RecordingContainer {
   RecordingOleContainer m_oleContainer{log};
   Microsoft::WRL::ComPtr<IOleObject> m_control;
   HWND m_window = nullptr;
-  RECT m_rect{10, 20, 210, 120};
+  RECT m_rect{10, 20, 10 + m_traits.controlSize.cx, 20 + m_traits.controlSize.cy};
   DWORD m_adviseCookie = 0;
   bool m_windowlessActive = false;
   bool m_windowlessFocus = false;
