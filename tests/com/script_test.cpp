@@ -26,7 +26,7 @@ void setClassesText(const std::wstring& key, const std::wstring& text) {
 class Scripts : public testing::Test {
  protected:
   void SetUp() override {
-    ASSERT_TRUE(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)));
+    ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED));
     ASSERT_EQ(S_OK, m_dll.registerServer());
     // JScript has no other way to a class than a ProgID, and the library's own one belongs to the last class: a host
     // that scripts the others gives them names of its own.

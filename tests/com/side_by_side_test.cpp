@@ -7,6 +7,8 @@
 #include <objbase.h>
 #include <wrl/client.h>
 
+#include <filesystem>
+#include <fstream>
 #include <iterator>
 #include <string>
 #include <thread>
@@ -95,6 +97,31 @@ TEST_F(SideBySide, CreatesAllThreeClassesFromTheManifest) {
     ComPtr<IUnknown> own;
     EXPECT_EQ(S_OK, control->QueryInterface(each.iid, reinterpret_cast<void**>(own.GetAddressOf())));
   }
+}
+
+TEST_F(SideBySide, IsFoundByAHostWhoseOwnManifestNamesTheAssembly) {
+  const std::wstring path = besideProgram(L"some-host.manifest");
+  const std::string text =
+      R"(<?xml version="1.0" encoding="UTF-8" standalone="yes"?>
+<assembly xmlns="urn:schemas-microsoft-com:asm.v1" manifestVersion="1.0">
+  <assemblyIdentity type="win32" name="SomeHost" version="1.0.0.0"/>
+  <dependency>
+    <dependentAssembly>
+      <assemblyIdentity type="win32" name="QELAudioVisualization4" version="1.0.0.0" processorArchitecture=")" +
+      std::string(sizeof(void*) == 8 ? "amd64" : "x86") + R"("/>
+    </dependentAssembly>
+  </dependency>
+</assembly>)";
+  std::ofstream(std::filesystem::path(path), std::ios::binary) << text;
+  {
+    const ActiveManifest manifest(manifestFile(path));
+    EXPECT_TRUE(manifest.active());
+    for (const Class& each : classes) {
+      ComPtr<IUnknown> control;
+      EXPECT_EQ(S_OK, CoCreateInstance(each.clsid, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&control)));
+    }
+  }
+  EXPECT_TRUE(DeleteFileW(path.c_str()));
 }
 
 TEST_F(SideBySide, KeepsTheStatusBitsOfTheRegistration) {

@@ -21,8 +21,7 @@ using Microsoft::WRL::ComPtr;
 class ManifestTest : public testing::Test {
  protected:
   void SetUp() override {
-    // S_FALSE when the system's container ran before: it starts OLE and never ends it.
-    ASSERT_TRUE(SUCCEEDED(OleInitialize(nullptr)));
+    ASSERT_EQ(S_OK, OleInitialize(nullptr));
     ASSERT_EQ(S_OK, m_dll.unregisterServer());
     ASSERT_EQ(S_OK, m_manifest.openFile(besideProgram(L"QELAudioVisualization4.manifest").c_str()));
     m_active = std::make_unique<avhost::ActivationContext::Active>(m_manifest);
