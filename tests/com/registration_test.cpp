@@ -10,6 +10,7 @@
 
 #include "support/win/dll.h"
 #include "support/win/registry_snapshot.h"
+#include "support/win/run_program.h"
 
 namespace av::test {
 namespace {
@@ -131,20 +132,6 @@ bool isTypeLibraryEntry(const std::wstring& path) {
   return false;
 }
 
-/// Runs a program to its end and gives its exit code.
-DWORD run(std::wstring commandLine) {
-  STARTUPINFOW startup{};
-  startup.cb = sizeof startup;
-  PROCESS_INFORMATION process{};
-  if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr, &startup, &process))
-    return ~DWORD{0};
-  DWORD code = ~DWORD{0};
-  if (WaitForSingleObject(process.hProcess, 60000) == WAIT_OBJECT_0) GetExitCodeProcess(process.hProcess, &code);
-  CloseHandle(process.hThread);
-  CloseHandle(process.hProcess);
-  return code;
-}
-
 class Registration : public testing::Test {
  protected:
   void SetUp() override {
@@ -230,9 +217,9 @@ TEST_F(Registration, GivesTheClassThatIsRegisteredLastTheSharedProgIds) {
 }
 
 TEST_F(Registration, WorksThroughRegsvr32) {
-  ASSERT_EQ(0u, run(L"regsvr32.exe /s \"" + dllPath() + L"\""));
+  ASSERT_EQ(0u, runProgram(L"regsvr32.exe /s \"" + dllPath() + L"\"").exitCode);
   expectRegistered(dllPath());
-  ASSERT_EQ(0u, run(L"regsvr32.exe /s /u \"" + dllPath() + L"\""));
+  ASSERT_EQ(0u, runProgram(L"regsvr32.exe /s /u \"" + dllPath() + L"\"").exitCode);
   expectAsBefore();
 }
 
