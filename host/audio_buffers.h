@@ -183,7 +183,13 @@ class AudioFrameData final : public BufferObject<IAudioFrameData> {
       : BufferObject(samples, sampleBytes, sampleBytes) {
     const std::size_t extraBytes = format.wFormatTag == WAVE_FORMAT_PCM ? 0 : format.cbSize;
     m_formatBytes = static_cast<ULONG>((std::min)(headerBytes + extraBytes, sizeof m_format));
-    std::memcpy(m_format, &format, m_formatBytes);
+    const WAVEFORMATEX* source = &format;
+#if defined(__GNUC__)
+    // The extra bytes follow the structure. A compiler that sees where `format` is declared would warn of a copy beyond
+    // its end, so it is made to forget.
+    __asm__("" : "+r"(source));
+#endif
+    std::memcpy(m_format, source, m_formatBytes);
     if (extraBytes == 0) std::memset(m_format + headerBytes - sizeof format.cbSize, 0, sizeof format.cbSize);
   }
 

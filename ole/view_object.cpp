@@ -2,6 +2,8 @@
 
 #include "ole/control.h"
 
+#include <utility>
+
 namespace av::ole {
 
 using Microsoft::WRL::ComPtr;
@@ -69,9 +71,14 @@ STDMETHODIMP ViewObject::SetAdvise(DWORD aspects, DWORD flags, IAdviseSink* sink
 }
 
 STDMETHODIMP ViewObject::GetAdvise(DWORD* aspects, DWORD* flags, IAdviseSink** sink) {
-  if (aspects) *aspects = m_sinkAspects;
-  if (flags) *flags = m_sinkFlags;
-  return sink ? m_sink.CopyTo(sink) : S_OK;
+  ComPtr<IAdviseSink> current;
+  {
+    const Exclusive lock(m_sinkLock);
+    if (aspects) *aspects = m_sinkAspects;
+    if (flags) *flags = m_sinkFlags;
+    current = m_sink;
+  }
+  return sink ? current.CopyTo(sink) : S_OK;
 }
 
 STDMETHODIMP ViewObject::GetExtent(DWORD aspect, LONG, DVTARGETDEVICE*, LPSIZEL himetric) {

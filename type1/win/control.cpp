@@ -80,7 +80,11 @@ bool CAudioVisualization4Type1::handleMessage(UINT message, WPARAM, LPARAM, LRES
 
 void CAudioVisualization4Type1::resized() {
   keepMinimumSize();
-  layoutWindow();
+  try {
+    layoutWindow();
+  } catch (const std::bad_alloc&) {
+    // Paints make a layout of their own while the kept one is another size's.
+  }
 }
 
 void CAudioVisualization4Type1::keepMinimumSize() {
