@@ -67,10 +67,13 @@ TEST(MessageWait, GivesUpAfterItsTimeLimit) {
 }
 
 TEST(MessageWait, SaysThatSomethingCannotBeWaitedFor) {
-  UniqueHandle event = makeEvent(false);
-  const HANDLE closed = event.get();
-  event.reset();
-  EXPECT_EQ(WaitResult::failed, waitDispatchingMessages(closed));
+  const UniqueHandle event = makeEvent(false);
+  // A handle without the right to wait. (A closed one's number may already stand for something else.)
+  HANDLE setOnly = nullptr;
+  ASSERT_TRUE(
+      DuplicateHandle(GetCurrentProcess(), event.get(), GetCurrentProcess(), &setOnly, EVENT_MODIFY_STATE, FALSE, 0));
+  const UniqueHandle owner(setOnly);
+  EXPECT_EQ(WaitResult::failed, waitDispatchingMessages(setOnly));
 }
 
 TEST(MessageWait, DispatchesPostedMessages) {
