@@ -122,6 +122,9 @@ HRESULT CAudioVisualization4Type1::put(const Rule& rule, Value value) {
 template <class Store>
 HRESULT CAudioVisualization4Type1::change(Effects effects, Store&& store) {
   const ole::KeepAlive alive(*this);
+  // Drawing into the own window belongs to the put as a whole; a container is asked for it with no lock held.
+  const bool redraws = has(effects, Effects::redraw);
+  const bool drawsItself = redraws && hasActiveWindow();
   try {
     // A block may be arriving on the host's audio thread: what it is analysed into changes between blocks only.
     std::unique_lock betweenBlocks(m_mutex, std::defer_lock);
@@ -131,11 +134,13 @@ HRESULT CAudioVisualization4Type1::change(Effects effects, Store&& store) {
     if (FAILED(stored)) return stored;
     if (has(effects, Effects::reallocate)) m_analysis.resizeWindow(m_settings);
     if (has(effects, Effects::reset)) m_analysis.reset(m_settings);
+    if (betweenBlocks.owns_lock()) betweenBlocks.unlock();  // the next block need not wait for the picture
     if (has(effects, Effects::relayout)) layoutWindow();
+    if (drawsItself) drawNow();
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
   }
-  if (has(effects, Effects::redraw)) drawNow();
+  if (redraws && !drawsItself) drawNow();
   return S_OK;
 }
 
