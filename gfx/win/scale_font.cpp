@@ -5,6 +5,7 @@
 #include <olectl.h>
 
 #include <cstddef>
+#include <cwchar>
 #include <iterator>
 #include <vector>
 
@@ -15,6 +16,18 @@ using namespace Gdiplus::DllExports;
 using Microsoft::WRL::ComPtr;
 
 namespace {
+
+/// The GDI font of a font object, which stays the object's, and its description; null for what is no font.
+HFONT gdiFontOf(IUnknown* font, LOGFONTW& description) noexcept {
+  ComPtr<IFont> source;
+  HFONT gdiFont = nullptr;
+  if (!font || FAILED(font->QueryInterface(IID_IFont, reinterpret_cast<void**>(source.GetAddressOf()))) || !source ||
+      FAILED(source->get_hFont(&gdiFont)) ||
+      GetObjectW(gdiFont, static_cast<int>(sizeof description), &description) == 0)
+    return nullptr;
+  description.lfFaceName[std::size(description.lfFaceName) - 1] = L'\0';
+  return gdiFont;
+}
 
 FontFamilyHandle familyNamed(const wchar_t* name) {
   GpFontFamily* family = nullptr;
@@ -83,18 +96,29 @@ ComPtr<IFontDisp> createDefaultScaleFont() noexcept {
   return font;
 }
 
-FontHandle createScaleFont(IUnknown* font) {
-  ComPtr<IFont> source;
-  if (!font || FAILED(font->QueryInterface(IID_IFont, reinterpret_cast<void**>(source.GetAddressOf())))) {
-    return nullptr;
-  }
-  HFONT gdiFont = nullptr;  // stays the font object's
+ComPtr<IFontDisp> asScaleFont(IUnknown* object) noexcept {
+  ComPtr<IFont> font;
+  ComPtr<IFontDisp> dispatch;
+  if (object && SUCCEEDED(object->QueryInterface(IID_IFont, reinterpret_cast<void**>(font.GetAddressOf()))) && font)
+    font->QueryInterface(IID_IFontDisp, reinterpret_cast<void**>(dispatch.GetAddressOf()));
+  return dispatch;
+}
+
+LOGFONTW describeScaleFont(IUnknown* font) noexcept {
   LOGFONTW description{};
-  if (FAILED(source->get_hFont(&gdiFont)) ||
-      GetObjectW(gdiFont, static_cast<int>(sizeof description), &description) == 0) {
-    return nullptr;
-  }
-  description.lfFaceName[std::size(description.lfFaceName) - 1] = L'\0';
+  gdiFontOf(font, description);
+  return description;
+}
+
+bool sameFont(const LOGFONTW& a, const LOGFONTW& b) noexcept {
+  return a.lfHeight == b.lfHeight && a.lfWeight == b.lfWeight && a.lfItalic == b.lfItalic &&
+         a.lfUnderline == b.lfUnderline && std::wcscmp(a.lfFaceName, b.lfFaceName) == 0;
+}
+
+FontHandle createScaleFont(IUnknown* font) {
+  LOGFONTW description{};
+  const HFONT gdiFont = gdiFontOf(font, description);
+  if (!gdiFont) return nullptr;
   const int style = (description.lfWeight > 500 ? FontStyleBold : 0) | (description.lfItalic ? FontStyleItalic : 0) |
                     (description.lfUnderline ? FontStyleUnderline : 0);
   const LONG height = description.lfHeight < 0 ? -description.lfHeight : description.lfHeight;

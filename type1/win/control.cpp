@@ -46,6 +46,8 @@ STDMETHODIMP CAudioVisualization4Type1::Invoke(DISPID member, REFIID reserved, L
     return invokeSendAudioData(flags, arguments, result, exception, argumentError,
                                [this](IUnknown* audioData) { return SendAudioData(audioData); });
   }
+  // Scripts that know no `Set` assign a font with a plain put.
+  if (member == rule::scaleFont.dispId && (flags & DISPATCH_PROPERTYPUT)) flags = DISPATCH_PROPERTYPUTREF;
   return Dual::Invoke(member, reserved, locale, flags, arguments, result, exception, argumentError);
 }
 

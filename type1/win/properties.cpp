@@ -1,6 +1,6 @@
-#include "type1/win/control.h"
-
+#include "gfx/win/scale_font.h"
 #include "ole/error_text.h"
+#include "type1/win/control.h"
 
 namespace av::type1 {
 
@@ -37,9 +37,12 @@ STDMETHODIMP CAudioVisualization4Type1::get_ScaleFont(IFontDisp** value) {
 
 STDMETHODIMP CAudioVisualization4Type1::putref_ScaleFont(IFontDisp* value) {
   if (!value) return S_OK;
+  // A font object is the host's code: it is asked, and the old one let go, with no lock held.
+  Microsoft::WRL::ComPtr<IFontDisp> font = asScaleFont(value);
+  if (!font) return refuseArgument(L"ScaleFont: the object is no font.");
   return change(rule::scaleFont.effects, [&] {
-    const HRESULT kept = m_picture.setFont(value);
-    return kept == E_INVALIDARG ? refuseArgument(L"ScaleFont: the object is no font.") : kept;
+    m_picture.exchangeFont(font);
+    return S_OK;
   });
 }
 

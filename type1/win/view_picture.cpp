@@ -7,10 +7,16 @@ namespace av::type1 {
 
 ViewPicture::ViewPicture() noexcept : m_font(createDefaultScaleFont()) {}
 
-bool ViewPicture::prepare(Size size) {
+bool ViewPicture::prepare(Size size, FontCheck fontCheck) {
   if (!m_surface.resize(size)) return false;
+  if (m_drawingFont && fontCheck == FontCheck::changedToo &&
+      !sameFont(m_fontDescription, describeScaleFont(m_font.Get())))
+    discardDrawingFont();
   const bool newFont = !m_drawingFont;
-  if (newFont) m_drawingFont = createScaleFont(m_font.Get());
+  if (newFont) {
+    m_fontDescription = describeScaleFont(m_font.Get());
+    m_drawingFont = createScaleFont(m_font.Get());
+  }
   if (newFont || m_measuredOn != m_surface.graphics()) {
     m_measuredOn = m_surface.graphics();
     m_textHeightPx = fontHeightPx(m_drawingFont.get(), m_measuredOn);
@@ -20,14 +26,15 @@ bool ViewPicture::prepare(Size size) {
 }
 
 void ViewPicture::layout(const ViewSettings& settings, std::uint32_t sampleRateHz, SIZE client) {
-  if (client.cx < 2 || client.cy < 2 || !prepare({client.cx, client.cy})) return;
+  if (client.cx < 2 || client.cy < 2 || !prepare({client.cx, client.cy}, FontCheck::changedToo)) return;
   m_layout = computeLayout(settings, sampleRateHz, {0, 0, client.cx, client.cy}, m_textHeightPx);
 }
 
 void ViewPicture::paint(HDC target, const RECT& bounds, bool inWindow, const ViewSettings& settings,
                         const ViewSignal& signal) {
   const Rect picture{0, 0, bounds.right - bounds.left, bounds.bottom - bounds.top};
-  if (!prepare({picture.width(), picture.height()})) return;
+  // In the window the text height of the layout holds until the next layout; elsewhere each picture has its own.
+  if (!prepare({picture.width(), picture.height()}, inWindow ? FontCheck::onlyMissing : FontCheck::changedToo)) return;
   const bool windowLayout = inWindow && m_layout.client == picture;
   buildFrame(m_frame, settings, signal,
              windowLayout ? m_layout : computeLayout(settings, signal.sampleRateHz, picture, m_textHeightPx),
@@ -40,14 +47,14 @@ HRESULT ViewPicture::font(IFontDisp** font) const {
   return m_font ? m_font.CopyTo(font) : S_OK;
 }
 
-HRESULT ViewPicture::setFont(IFontDisp* font) {
-  Microsoft::WRL::ComPtr<IFont> face;
-  Microsoft::WRL::ComPtr<IFontDisp> dispatch;
-  if (FAILED(font->QueryInterface(IID_PPV_ARGS(&face))) || FAILED(face.As(&dispatch))) return E_INVALIDARG;
-  m_font = dispatch;
+void ViewPicture::exchangeFont(Microsoft::WRL::ComPtr<IFontDisp>& font) noexcept {
+  m_font.Swap(font);
+  discardDrawingFont();
+}
+
+void ViewPicture::discardDrawingFont() noexcept {
   m_measure.use(nullptr, nullptr);
   m_drawingFont.reset();
-  return S_OK;
 }
 
 void ViewPicture::discard() noexcept {

@@ -23,7 +23,8 @@ class ViewPicture {
   /// Starts GDI+ for this control and makes the default font.
   ViewPicture() noexcept;
 
-  /// Computes the layout of the control's window, `client` pixels large; below 2 × 2 the old one stays.
+  /// Computes the layout of the control's window, `client` pixels large; below 2 × 2 the old one stays. Takes notice of
+  /// a font object whose properties a host has changed since the last time.
   void layout(const ViewSettings& settings, std::uint32_t sampleRateHz, SIZE client);
 
   /// Draws the frame of this moment and copies it to `bounds` of `target` in one piece. `inWindow`: into the control's own
@@ -33,18 +34,24 @@ class ViewPicture {
 
   /// The scale font, counted for the caller.
   HRESULT font(IFontDisp** font) const;
-  /// Takes another scale font; E_INVALIDARG, with the old one in place, for an object that is none.
-  HRESULT setFont(IFontDisp* font);
+  /// Takes another scale font and gives the old one back in its place. The drawing font is made when it is next needed.
+  void exchangeFont(Microsoft::WRL::ComPtr<IFontDisp>& font) noexcept;
 
   /// Lets all drawing resources go: the control is at its end.
   void discard() noexcept;
 
  private:
-  bool prepare(Size size);
+  enum class FontCheck {
+    onlyMissing,  ///< the drawing font is made if there is none
+    changedToo,   ///< it is also made again if the font object's properties have changed since
+  };
+  bool prepare(Size size, FontCheck fontCheck);
+  void discardDrawingFont() noexcept;
 
   GdiplusToken m_token;  // before everything that GDI+ owns
   Microsoft::WRL::ComPtr<IFontDisp> m_font;
-  FontHandle m_drawingFont;  // made from m_font when it is first needed
+  FontHandle m_drawingFont;      // made from m_font when it is first needed
+  LOGFONTW m_fontDescription{};  // what m_drawingFont was made from
   int m_textHeightPx = 0;
   OffscreenSurface m_surface;
   FramePainter m_painter{m_surface};
