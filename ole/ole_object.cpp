@@ -121,6 +121,7 @@ STDMETHODIMP OleObject::GetExtent(DWORD aspect, SIZEL* himetric) {
 STDMETHODIMP OleObject::Advise(IAdviseSink* sink, DWORD* connection) {
   if (!connection) return E_POINTER;
   *connection = 0;
+  if (!sink) return E_INVALIDARG;  // not every system's holder looks
   if (!m_adviseHolder) {
     const HRESULT created = CreateOleAdviseHolder(&m_adviseHolder);
     if (FAILED(created)) return created;

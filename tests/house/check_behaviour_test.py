@@ -1,0 +1,51 @@
+"""The checker of docs/behaviour.md has to catch rows without a test and tests that do not exist, and nothing else."""
+
+import pathlib
+import sys
+import tempfile
+import unittest
+
+sys.dont_write_bytecode = True
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[2] / "tools"))
+import check_behaviour  # noqa: E402
+
+HEAD = "| Call | Test |\n|---|---|\n"
+SOURCE = "TEST(Plain, IsKept) {}\nTEST_F(Fixed, IsKept) {}\nTEST_P(Many, IsKept) {}\nTEST(Plain, DISABLED_Later) {}\n"
+
+
+class CheckBehaviour(unittest.TestCase):
+    def messages(self, document):
+        with tempfile.TemporaryDirectory() as folder:
+            root = pathlib.Path(folder)
+            (root / "docs").mkdir()
+            (root / "docs" / "behaviour.md").write_text(document)
+            (root / "tests" / "com").mkdir(parents=True)
+            (root / "tests" / "com" / "some_test.cpp").write_text(SOURCE)
+            return [(line, message) for _, line, message in check_behaviour.check(root)]
+
+    def test_accepts_rows_that_name_tests_of_every_kind(self):
+        rows = "| put | `Plain.IsKept` |\n| get | `Fixed.IsKept`, `Many.IsKept` |\n"
+        self.assertEqual(self.messages("Text with `Code.Like` this.\n\n" + HEAD + rows), [])
+
+    def test_catches_each_bad_row_and_only_that(self):
+        for row, message in [
+            ("| put | |", "the row names no test"),
+            ("| put | Plain.IsKept |", "the row names no test"),
+            ("| `Plain.IsKept` | soon |", "the row names no test"),
+            ("| put | `Plain.IsLost` |", "there is no test Plain.IsLost"),
+            ("| put | `Many.IsKept`, `Plain.DISABLED_Later` |", "there is no test Plain.DISABLED_Later"),
+            ("| put | `a | b` | `Plain.IsKept` |", "4 cells under 2 headings"),
+        ]:
+            with self.subTest(row=row):
+                self.assertEqual(self.messages(HEAD + "| get | `Plain.IsKept` |\n" + row + "\n"), [(4, message)])
+
+    def test_catches_a_table_without_the_column(self):
+        found = self.messages("| Call | Answer |\n|---|---|\n| put | `Plain.IsKept` |\n")
+        self.assertEqual(found, [(1, 'the last column of a table is "Test"')])
+
+    def test_catches_an_empty_document(self):
+        self.assertEqual(self.messages("Nothing.\n"), [(1, "no rows found")])
+
+
+if __name__ == "__main__":
+    unittest.main()
