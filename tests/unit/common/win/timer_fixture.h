@@ -2,6 +2,7 @@
 
 #include "common/win/timer.h"
 #include "common/win/unique_handle.h"
+#include "support/win/resource_probes.h"
 
 #include <gmock/gmock.h>
 #include <objbase.h>
@@ -175,33 +176,6 @@ inline void dispatchFor(DWORD durationMs) {
   dispatchUntil([] { return false; }, durationMs);
 }
 
-/// Kernel handles that this process has open. (The usual counter reads 0 on some systems.)
-inline int openKernelHandles() {
-  struct Row {
-    void* object;
-    ULONG_PTR processId, handle;
-    ULONG access;
-    USHORT creatorBackTrace, typeIndex;
-    ULONG attributes, reserved;
-  };
-  struct Table {
-    ULONG_PTR count, reserved;
-    Row rows[1];
-  };
-  using Query = LONG(WINAPI*)(ULONG informationClass, void* information, ULONG length, ULONG* needed);
-  const auto query = reinterpret_cast<Query>(
-      reinterpret_cast<void*>(GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
-  constexpr ULONG extendedHandleInformation = 64;
-  constexpr auto lengthMismatch = static_cast<LONG>(0xC0000004);
-  std::vector<std::uint8_t> bytes(1u << 16);
-  ULONG needed = 0;
-  while (query(extendedHandleInformation, bytes.data(), static_cast<ULONG>(bytes.size()), &needed) == lengthMismatch)
-    bytes.resize(bytes.size() * 2);
-  const auto* const table = reinterpret_cast<const Table*>(bytes.data());
-  int handles = 0;
-  for (ULONG_PTR i = 0; i < table->count; ++i)
-    if (table->rows[i].processId == GetCurrentProcessId()) ++handles;
-  return handles;
-}
+using test::openKernelHandles;
 
 }  // namespace av::timer_test

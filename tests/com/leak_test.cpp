@@ -1,0 +1,132 @@
+// Controls that come and go leave neither kernel handles nor GDI objects behind.
+
+#include "host/control_classes.h"
+#include "host/talk_test.h"
+#include "host/view_sound.h"
+#include "support/win/resource_probes.h"
+
+#include <algorithm>
+#include <map>
+#include <ostream>
+#include <string>
+
+namespace av::test {
+namespace {
+
+/// What a process holds, save registry keys: the controls open none, but Wine's COM keeps about twenty for each
+/// apartment that ever called another, as the threads of repaint timers do.
+struct Holdings {
+  std::map<std::wstring, int> kernelHandles;
+  int spareGdiObjects = 0;
+
+  static Holdings now() {
+    Holdings holdings{openKernelHandlesByType(), test::spareGdiObjects()};
+    holdings.kernelHandles.erase(L"Key");
+    return holdings;
+  }
+  friend bool operator==(const Holdings&, const Holdings&) = default;
+};
+
+void PrintTo(const Holdings& holdings, std::ostream* out) {
+  for (const auto& [type, count] : holdings.kernelHandles)
+    *out << count << ' ' << std::string(type.begin(), type.end()) << ", ";
+  *out << "GDI objects to spare: " << holdings.spareGdiObjects;
+}
+
+TEST(ResourceProbes, SeeAPlantedLeak) {
+  // The first of its kind makes the system keep a few objects for itself.
+  DeleteDC(CreateCompatibleDC(nullptr));
+  const Holdings before = Holdings::now();
+  EXPECT_LT(1000, before.spareGdiObjects);
+  EXPECT_EQ(before, Holdings::now());
+
+  const HANDLE event = CreateEventW(nullptr, TRUE, FALSE, nullptr);
+  Holdings withEvent = before;
+  ++withEvent.kernelHandles[L"Event"];
+  EXPECT_EQ(withEvent, Holdings::now());
+  CloseHandle(event);
+
+  const HBRUSH brush = CreateSolidBrush(RGB(9, 9, 9));
+  Holdings withBrush = before;
+  --withBrush.spareGdiObjects;
+  EXPECT_EQ(withBrush, Holdings::now());
+  DeleteObject(brush);
+
+  HDC context = CreateCompatibleDC(nullptr);
+  EXPECT_GT(before.spareGdiObjects, spareGdiObjects());
+  DeleteDC(context);
+  EXPECT_EQ(before, Holdings::now());
+}
+
+class FullLeaks : public TalkTest, public testing::WithParamInterface<ControlClassName> {
+ protected:
+  /// Create, activate, hear a block, be seen, hide, close.
+  void live() {
+    RecordingContainer container;
+    ASSERT_NO_FATAL_FAILURE(giveAndSite(container, GetParam().classId));
+    ASSERT_EQ(S_OK, container.doVerb(OLEIVERB_UIACTIVATE));
+    ComPtr<IAudioVisualizationTemplate> control;
+    ASSERT_EQ(S_OK, container.control()->QueryInterface(IID_PPV_ARGS(&control)));
+    ASSERT_EQ(S_OK, sendSquareWave(control.Get()));
+    control.Reset();
+    UpdateWindow(container.controlWindow());
+    avhost::pumpMessages(0);
+    ASSERT_EQ(S_OK, container.doVerb(OLEIVERB_HIDE));
+    ASSERT_EQ(S_OK, container.close());
+    ASSERT_EQ(S_OK, container.unsite());
+    ASSERT_EQ(0u, container.releaseControl());
+    ASSERT_TRUE(isLeftAlone(container));
+  }
+};
+
+TEST_P(FullLeaks, AHundredLivesLeaveNothingBehind) {
+  for (int i = 0; i < 5; ++i) ASSERT_NO_FATAL_FAILURE(live());  // what the system keeps for itself is there by now
+  ASSERT_EQ(S_OK, m_library.canUnloadNow());
+  const Holdings before = Holdings::now();
+  for (int i = 0; i < 100; ++i) ASSERT_NO_FATAL_FAILURE(live());
+  ASSERT_EQ(S_OK, m_library.canUnloadNow());
+  EXPECT_EQ(before, Holdings::now());
+}
+
+TEST_P(FullLeaks, AHundredFailedActivationsLeaveNothingBehind) {
+  const auto fail = [this] {
+    RecordingContainer container;
+    ASSERT_NO_FATAL_FAILURE(giveAndSite(container, GetParam().classId));
+    container.log.answer("IOleInPlaceSite::GetWindowContext", E_FAIL);
+    ASSERT_EQ(E_FAIL, container.doVerb(OLEIVERB_SHOW));
+    ASSERT_EQ(0u, container.releaseControl());
+    ASSERT_TRUE(isLeftAlone(container));
+  };
+  for (int i = 0; i < 5; ++i) ASSERT_NO_FATAL_FAILURE(fail());
+  const Holdings before = Holdings::now();
+  for (int i = 0; i < 100; ++i) ASSERT_NO_FATAL_FAILURE(fail());
+  EXPECT_EQ(before, Holdings::now());
+}
+
+/// The POSIX threads that the DLL's C++ runtime stands on keep an event and a thread handle for each thread that
+/// entered them, and give both back when the thread ends but not when the DLL goes. Known, and no more than that.
+TEST_P(FullLeaks, TwentyLoadingsOfTheDllLeaveNoMoreThanTheThreadThatUnloadsIt) {
+  const auto loadAndLive = [this] {
+    ASSERT_NO_FATAL_FAILURE(live());
+    ASSERT_EQ(S_OK, m_library.canUnloadNow());
+    ASSERT_TRUE(m_library.unload());
+    ASSERT_EQ(nullptr, GetModuleHandleW(dllName));
+    ASSERT_EQ(S_OK, m_library.loadBesideProgram(dllName));
+  };
+  constexpr int loadings = 20;
+  for (int i = 0; i < 3; ++i) ASSERT_NO_FATAL_FAILURE(loadAndLive());
+  Holdings most = Holdings::now();
+  for (int i = 0; i < loadings; ++i) ASSERT_NO_FATAL_FAILURE(loadAndLive());
+  const Holdings after = Holdings::now();
+  for (const wchar_t* type : {L"Event", L"Thread"}) {
+    int& held = most.kernelHandles[type];
+    held = std::min(held + loadings, after.kernelHandles.at(type));
+  }
+  EXPECT_EQ(most, after);
+}
+
+INSTANTIATE_TEST_SUITE_P(, FullLeaks, testing::ValuesIn(allControlClasses),
+                         [](const auto& parameter) { return std::string(parameter.param.name); });
+
+}  // namespace
+}  // namespace av::test
