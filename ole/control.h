@@ -1,25 +1,35 @@
 #pragma once
 
 #include "ole/class_info.h"
+#include "ole/connection_points.h"
 #include "ole/in_place_active_object.h"
 #include "ole/in_place_object.h"
 #include "ole/in_place_session.h"
 #include "ole/object.h"
 #include "ole/ole_control.h"
 #include "ole/ole_object.h"
+#include "ole/persist_property_bag.h"
+#include "ole/persist_storage.h"
 #include "ole/persist_stream.h"
+#include "ole/quick_activate.h"
 #include "ole/view_object.h"
 
 #include <oleidl.h>
 #include <wrl/client.h>
+
+#include <atomic>
+#include <initializer_list>
+#include <optional>
 
 namespace av::ole {
 
 /// What the framework has to know of a control class.
 struct ControlInfo {
   CLSID classId;
-  const wchar_t* userType;  ///< the friendly name
-  DWORD miscStatus;         ///< OLEMISC bits of the content aspect
+  const wchar_t* userType;    ///< the friendly name
+  DWORD miscStatus;           ///< OLEMISC bits of the content aspect
+  bool windowOnly = false;    ///< never active without a window of its own
+  IID eventInterfaceId = {};  ///< the default event dispinterface; GUID_NULL: no events
 };
 
 /// An OLE control without its subject: site, extent, in-place activation, view, persistence of the extent. One
@@ -37,6 +47,7 @@ class Control : public Object, public WindowClient {
   /// The client area has a new size. [control thread]
   virtual void resized() {}
   /// A message of the control's window, before the framework looks at it. True: handled, `result` is the answer.
+  /// Windowless, a message that the container passes on; pointer positions count from the control's corner either way.
   virtual bool handleMessage(UINT /*message*/, WPARAM /*wParam*/, LPARAM /*lParam*/, LRESULT& /*result*/) {
     return false;
   }
@@ -51,22 +62,40 @@ class Control : public Object, public WindowClient {
   void setClientSite(IOleClientSite* site);
   InPlaceSession& inPlace() noexcept { return m_inPlace; }
   OleObject& oleObject() noexcept { return m_oleObject; }
+  ViewObject& viewObject() noexcept { return m_viewObject; }
+  /// The connection point of the event interface; null for a control without events.
+  ConnectionPoint* events() noexcept { return m_connectionPoints.events(); }
+
+  /// Sends an event with the given arguments (first one first) to all sinks; see ConnectionPoint::fire. While the
+  /// container has frozen the events they are dropped, not kept: each speaks of a moment that has passed by then.
+  HRESULT fireEvent(DISPID event, std::initializer_list<LONG> arguments);
 
   SIZEL extentHimetric() const noexcept { return m_extent; }
   void setExtent(SIZEL himetric) noexcept { m_extent = himetric; }
   bool isDirty() const noexcept { return m_dirty; }
   void setDirty(bool dirty) noexcept { m_dirty = dirty; }
+  /// A persisted extent has arrived: it is the control's extent now, and nothing is left to be saved.
+  void extentLoaded(SIZEL himetric);
+  /// The control's own content was saved: nothing is left to be saved, and the advise sinks are told.
+  void saved();
 
   /// Whether the caller runs on the thread that made the control. Hosts push blocks from other threads as well.
   bool onControlThread() const noexcept { return GetCurrentThreadId() == m_threadId; }
+  /// What the active control draws on; see InPlaceSession::clientSize. A windowless control has this as well.
+  std::optional<SIZE> clientSize() const noexcept { return m_inPlace.clientSize(); }
   /// In-place active with a window of its own.
   bool hasActiveWindow() const noexcept { return m_inPlace.isActive() && m_inPlace.window(); }
   /// Draws at once into the control's own window where it has one, else asks the container to redraw.
   void drawNow();
   /// Asks for a later redraw: invalidates the window, or tells the view's sink that the picture has changed.
   void requestRedraw();
+  /// Whether a block on another thread has asked for a redraw that only the control thread can ask its site for; the
+  /// request is taken away. [control thread]
+  bool takeRedrawRequest() noexcept { return m_redrawRequested.exchange(false); }
 
   LRESULT windowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
+  /// A message that the container passes on to the windowless control. False: not handled.
+  bool windowlessMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
 
  protected:
   /// Two inches square until the container or a stream says otherwise.
@@ -78,11 +107,14 @@ class Control : public Object, public WindowClient {
   void leaveContainer() noexcept;
 
  private:
+  void focusChanged(bool gained);
+
   const ControlInfo m_info;
   const DWORD m_threadId = GetCurrentThreadId();
   Microsoft::WRL::ComPtr<IOleClientSite> m_clientSite;
   SIZEL m_extent;
   bool m_dirty = false;
+  std::atomic<bool> m_redrawRequested{false};
 
   InPlaceSession m_inPlace{*this};
   OleObject m_oleObject{*this};
@@ -91,6 +123,10 @@ class Control : public Object, public WindowClient {
   InPlaceActiveObject m_inPlaceActiveObject{*this};
   ViewObject m_viewObject{*this};
   PersistStream m_persistStream{*this};
+  PersistStorage m_persistStorage{*this};
+  PersistPropertyBag m_persistPropertyBag{*this};
+  QuickActivation m_quickActivate{*this};
+  ConnectionPointContainer m_connectionPoints{*this};
   ClassInfo m_classInfo{*this};
   ErrorInfoSupport m_errorInfoSupport{*this};
 };

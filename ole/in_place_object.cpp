@@ -30,4 +30,16 @@ STDMETHODIMP InPlaceObject::SetObjectRects(LPCRECT position, LPCRECT clip) {
 
 STDMETHODIMP InPlaceObject::ReactivateAndUndo() { return INPLACE_E_NOTUNDOABLE; }
 
+STDMETHODIMP InPlaceObject::OnWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
+  if (!result) return E_POINTER;
+  *result = 0;
+  return control().windowlessMessage(message, wParam, lParam, *result) ? S_OK : S_FALSE;
+}
+
+STDMETHODIMP InPlaceObject::GetDropTarget(IDropTarget** target) {
+  if (!target) return E_POINTER;
+  *target = nullptr;
+  return E_NOTIMPL;
+}
+
 }  // namespace av::ole

@@ -2,12 +2,13 @@
 
 #include "ole/part.h"
 
-#include <oleidl.h>
+#include <ocidl.h>
 
 namespace av::ole {
 
-/// IOleInPlaceObject: what the container asks of the active control. [control thread]
-class InPlaceObject final : public ControlPart<IOleInPlaceObject> {
+/// IOleInPlaceObject and IOleInPlaceObjectWindowless: what the container asks of the active control and, if that has no
+/// window, which messages it passes on. [control thread]
+class InPlaceObject final : public ControlPart<IOleInPlaceObjectWindowless> {
  public:
   using ControlPart::ControlPart;
 
@@ -17,6 +18,8 @@ class InPlaceObject final : public ControlPart<IOleInPlaceObject> {
   STDMETHODIMP UIDeactivate() override;
   STDMETHODIMP SetObjectRects(LPCRECT position, LPCRECT clip) override;
   STDMETHODIMP ReactivateAndUndo() override;
+  STDMETHODIMP OnWindowMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) override;
+  STDMETHODIMP GetDropTarget(IDropTarget** target) override;
 };
 
 }  // namespace av::ole

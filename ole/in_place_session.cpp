@@ -15,12 +15,13 @@ HRESULT InPlaceSession::activate(bool userInterface) {
   } else if (m_window.handle()) {
     ShowWindow(m_window.handle(), SW_SHOWNA);
   }
+  HRESULT result = S_OK;
   if (userInterface) {
-    const HRESULT activated = activateUserInterface();
-    if (FAILED(activated)) return activated;
+    result = activateUserInterface();
+    if (FAILED(result)) return result;
   }
   client->ShowObject();
-  return S_OK;
+  return result;
 }
 
 HRESULT InPlaceSession::enter(IOleClientSite& client) {
@@ -30,23 +31,37 @@ HRESULT InPlaceSession::enter(IOleClientSite& client) {
 
   const HRESULT possible = site->CanInPlaceActivate();
   if (possible != S_OK) return FAILED(possible) ? possible : E_FAIL;
-  if (m_active) return S_OK;  // activated from inside the question
+
+  ComPtr<IOleInPlaceSiteWindowless> windowless;
+  if (m_control.info().windowOnly || FAILED(site.As(&windowless)) || windowless->CanWindowlessActivate() != S_OK)
+    windowless.Reset();
+  ComPtr<IOleInPlaceSiteEx> extended;
+  site.As(&extended);
+  if (windowless && !extended) windowless.Reset();  // cannot be told what kind of activation this is
+  if (m_active) return S_OK;                        // activated from inside the questions
 
   m_site = site;
+  m_extended = extended;
+  m_windowless = windowless;
   m_active = true;
   const unsigned entry = ++m_entry;
-  const HRESULT announced = site->OnInPlaceActivate();
+  BOOL noRedraw = FALSE;
+  const HRESULT announced =
+      extended ? extended->OnInPlaceActivateEx(&noRedraw, windowless ? DWORD{ACTIVATE_WINDOWLESS} : DWORD{0})
+               : site->OnInPlaceActivate();
   if (entry != m_entry || !m_active) return overtaken();
   if (FAILED(announced)) {
     m_active = false;
-    m_site.Reset();
+    forget();
     return announced;
   }
 
   HWND parent = nullptr;
-  const HRESULT parented = site->GetWindow(&parent);
-  if (entry != m_entry || !m_active) return overtaken();
-  if (FAILED(parented)) return fail(parented);
+  if (!windowless) {
+    const HRESULT parented = site->GetWindow(&parent);
+    if (entry != m_entry || !m_active) return overtaken();
+    if (FAILED(parented)) return fail(parented);
+  }
 
   RECT position{}, clip{};
   OLEINPLACEFRAMEINFO frameInfo{};
@@ -60,9 +75,14 @@ HRESULT InPlaceSession::enter(IOleClientSite& client) {
   m_frame = frame;
   m_document = document;
   m_position = position;
+  if (windowless) {
+    m_control.resized();
+    return entry == m_entry && m_active ? S_OK : overtaken();
+  }
   const bool made = m_window.create(parent, position, m_control);
   if (entry != m_entry || !m_active) return overtaken();
   if (!made) return fail(E_FAIL);
+  if (noRedraw) ValidateRect(m_window.handle(), nullptr);  // what the container shows there is the control's picture
   // A control that is too small asks for another rectangle while its window is being made, and has it by now.
   return EqualRect(&m_position, &position) ? setObjectRects(position, clip) : S_OK;
 }
@@ -78,13 +98,27 @@ HRESULT InPlaceSession::activateUserInterface() {
   if (!m_active) return E_FAIL;
   if (m_userInterfaceActive) return S_OK;
   const ComPtr<IOleInPlaceSite> site = m_site;
+  const ComPtr<IOleInPlaceSiteEx> extended = m_extended;
+  if (extended) {
+    const HRESULT allowed = extended->RequestUIActivate();
+    if (!m_active) return E_FAIL;
+    if (m_userInterfaceActive) return S_OK;
+    if (FAILED(allowed)) return allowed;
+    if (allowed != S_OK) {
+      site->OnUIDeactivate(FALSE);  // lets the container put the focus right again
+      return OLEOBJ_S_CANNOT_DOVERB_NOW;
+    }
+  }
   m_userInterfaceActive = true;
   const HRESULT announced = site->OnUIActivate();
   if (FAILED(announced)) {
     m_userInterfaceActive = false;
     return announced;
   }
-  if (m_window.handle()) {
+  if (!m_userInterfaceActive) return E_FAIL;  // deactivated meanwhile
+  if (const ComPtr<IOleInPlaceSiteWindowless> windowless = m_windowless) {
+    windowless->SetFocus(TRUE);
+  } else if (m_window.handle()) {
     const HWND focus = GetFocus();
     if (focus != m_window.handle() && !IsChild(m_window.handle(), focus)) SetFocus(m_window.handle());
   }
@@ -122,11 +156,16 @@ HRESULT InPlaceSession::deactivate() {
   if (!m_active) return S_OK;  // deactivated again from inside OnUIDeactivate
   m_active = false;
   const ComPtr<IOleInPlaceSite> site = m_site;
+  const ComPtr<IOleInPlaceSiteEx> extended = m_extended;
+  // A windowless control looks the same inactive; a window that goes leaves the container's background.
+  const BOOL noRedraw = m_windowless ? TRUE : FALSE;
   m_window.destroy();
-  m_site.Reset();
-  m_frame.Reset();
-  m_document.Reset();
-  if (site) site->OnInPlaceDeactivate();
+  forget();
+  if (extended) {
+    extended->OnInPlaceDeactivateEx(noRedraw);
+  } else if (site) {
+    site->OnInPlaceDeactivate();
+  }
   return S_OK;
 }
 
@@ -139,8 +178,12 @@ HRESULT InPlaceSession::hide() {
 
 HRESULT InPlaceSession::setObjectRects(const RECT& position, const RECT& clip) {
   if (!m_active) return E_UNEXPECTED;
+  const bool resized = position.right - position.left != m_position.right - m_position.left ||
+                       position.bottom - position.top != m_position.bottom - m_position.top;
   m_position = position;
-  if (HWND window = m_window.handle()) {
+  if (m_windowless) {
+    if (resized) m_control.resized();
+  } else if (HWND window = m_window.handle()) {
     // An empty clip comes from containers that do not clip at all; it does not hide the control.
     RECT visible{};
     HRGN region = nullptr;
@@ -156,11 +199,35 @@ HRESULT InPlaceSession::setObjectRects(const RECT& position, const RECT& clip) {
   return S_OK;
 }
 
+void InPlaceSession::requestPosition(const RECT& position) {
+  const ComPtr<IOleInPlaceSite> site = m_site;
+  if (m_active && site) site->OnPosRectChange(&position);
+}
+
+void InPlaceSession::invalidate() {
+  const ComPtr<IOleInPlaceSiteWindowless> windowless = m_windowless;
+  if (m_active && windowless) windowless->InvalidateRect(nullptr, FALSE);
+}
+
+std::optional<SIZE> InPlaceSession::clientSize() const noexcept {
+  if (!m_active) return std::nullopt;
+  if (m_windowless) return SIZE{m_position.right - m_position.left, m_position.bottom - m_position.top};
+  RECT client{};
+  if (!m_window.handle() || !GetClientRect(m_window.handle(), &client)) return std::nullopt;
+  return SIZE{client.right, client.bottom};
+}
+
 void InPlaceSession::abandon() noexcept {
   m_active = false;
   m_userInterfaceActive = false;
   m_window.destroy();
+  forget();
+}
+
+void InPlaceSession::forget() noexcept {
   m_site.Reset();
+  m_extended.Reset();
+  m_windowless.Reset();
   m_frame.Reset();
   m_document.Reset();
 }

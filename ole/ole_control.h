@@ -16,6 +16,8 @@ class OleControl final : public ControlPart<IOleControl> {
   STDMETHODIMP OnAmbientPropertyChange(DISPID member) override;
   STDMETHODIMP FreezeEvents(BOOL freeze) override;
 
+  bool eventsAreFrozen() const noexcept { return m_freezeCount > 0; }
+
  private:
   int m_freezeCount = 0;
 };

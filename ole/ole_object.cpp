@@ -1,6 +1,7 @@
 #include "ole/ole_object.h"
 
 #include "ole/control.h"
+#include "ole/verb_enumerator.h"
 
 #include <cstring>
 #include <cwchar>
@@ -30,7 +31,7 @@ STDMETHODIMP OleObject::Close(DWORD saveOption) {
   // The content can be lost without asking: a prompt would need words that belong to the container.
   if (control().isDirty() && saveOption != OLECLOSE_NOSAVE) {
     const ComPtr<IOleClientSite> site = control().clientSite();
-    if (site && SUCCEEDED(site->SaveObject())) saved();
+    if (site) site->SaveObject();  // being saved, the control tells its advise sinks
   }
   const ComPtr<IOleAdviseHolder> holder = m_adviseHolder;
   if (holder) holder->SendOnClose();
@@ -75,8 +76,8 @@ STDMETHODIMP OleObject::DoVerb(LONG verb, LPMSG, IOleClientSite*, LONG, HWND, LP
 
 STDMETHODIMP OleObject::EnumVerbs(IEnumOLEVERB** verbs) {
   if (!verbs) return E_POINTER;
-  *verbs = nullptr;
-  return OLE_S_USEREG;
+  // None are registered, so the registry has no better answer.
+  return createVerbEnumerator(verbs);
 }
 
 STDMETHODIMP OleObject::Update() { return S_OK; }
@@ -102,6 +103,7 @@ STDMETHODIMP OleObject::GetUserType(DWORD, LPOLESTR* userType) {
 STDMETHODIMP OleObject::SetExtent(DWORD aspect, SIZEL* himetric) {
   if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
   if (!himetric) return E_POINTER;
+  if (himetric->cx < 0 || himetric->cy < 0) return E_INVALIDARG;
   const SIZEL old = control().extentHimetric();
   if (old.cx == himetric->cx && old.cy == himetric->cy) return S_OK;
   control().setExtent(*himetric);

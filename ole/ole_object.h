@@ -37,6 +37,8 @@ class OleObject final : public ControlPart<IOleObject> {
 
   /// Tells the advise sinks that the control was saved.
   void saved();
+  /// Lets the advise sinks go without a word: the control is at its end.
+  void disconnect() noexcept { m_adviseHolder.Reset(); }
 
  private:
   Microsoft::WRL::ComPtr<IOleAdviseHolder> m_adviseHolder;

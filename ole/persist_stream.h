@@ -6,8 +6,9 @@
 
 namespace av::ole {
 
-/// IPersistStreamInit: the extent, and nothing else, as twelve bytes: a little-endian version word, then the width and
-/// the height in HIMETRIC. A stream that is refused changes nothing. [control thread]
+/// IPersistStreamInit: the extent, and nothing else. A stream that is refused changes nothing. Containers that undo or
+/// revert load a living control again, so a second Load or InitNew is as good as the first. A control that was told
+/// InitNew is dirty, since nothing has been saved of it yet; a control that was told nothing is not. [control thread]
 class PersistStream final : public ControlPart<IPersistStreamInit> {
  public:
   using ControlPart::ControlPart;

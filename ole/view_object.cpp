@@ -26,9 +26,11 @@ class Exclusive {
 STDMETHODIMP ViewObject::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, HDC target, LPCRECTL bounds, LPCRECTL,
                               BOOL(CALLBACK*)(ULONG_PTR), ULONG_PTR) {
   if (aspect != DVASPECT_CONTENT) return DV_E_DVASPECT;
-  if (!target || !bounds) return E_INVALIDARG;
+  // An active windowless control knows its rectangle in the container's window, which the target shows.
+  if (!target || (!bounds && !control().inPlace().isWindowless())) return E_INVALIDARG;
   const KeepAlive alive(control());
-  RECT pixels{bounds->left, bounds->top, bounds->right, bounds->bottom};
+  RECT pixels = control().inPlace().position();
+  if (bounds) pixels = {bounds->left, bounds->top, bounds->right, bounds->bottom};
   const int saved = SaveDC(target);
   // The caller's logical rectangle in device pixels, then drawing in pixels. A metafile has no device: its logical
   // units are kept.
@@ -113,6 +115,12 @@ STDMETHODIMP ViewObject::QueryHitRect(DWORD aspect, LPCRECT bounds, LPCRECT loca
 
 STDMETHODIMP ViewObject::GetNaturalExtent(DWORD, LONG, DVTARGETDEVICE*, HDC, DVEXTENTINFO*, LPSIZEL) {
   return E_NOTIMPL;
+}
+
+void ViewObject::disconnect() noexcept {
+  ComPtr<IAdviseSink> sink;
+  const Exclusive lock(m_sinkLock);
+  sink.Swap(m_sink);
 }
 
 void ViewObject::viewChanged() {

@@ -33,6 +33,8 @@ class ViewObject final : public ControlPart<IViewObjectEx> {
 
   /// Tells the view's sink, if there is one, that the picture has changed. [control thread or audio thread]
   void viewChanged();
+  /// Lets the sink go: the control is at its end.
+  void disconnect() noexcept;
 
  private:
   /// Blocks that draw on the audio thread read the sink while the container may be replacing it. Never held during a

@@ -52,14 +52,27 @@ class Hosting : public DllTest, public testing::WithParamInterface<ControlClass>
 TEST_P(Hosting, EveryInterfaceLeadsBackToOneIdentity) {
   ComPtr<IUnknown> identity;
   ASSERT_EQ(S_OK, m_control.As(&identity));
-  const IID all[] = {IID_IDispatch,          IID_IAudioVisualizationTemplate,
-                     GetParam().dispatchId,  IID_IOleObject,
-                     IID_IOleControl,        IID_IOleWindow,
-                     IID_IOleInPlaceObject,  IID_IOleInPlaceActiveObject,
-                     IID_IViewObject,        IID_IViewObject2,
-                     IID_IViewObjectEx,      IID_IPersist,
-                     IID_IPersistStreamInit, IID_IProvideClassInfo,
-                     IID_IProvideClassInfo2, IID_ISupportErrorInfo};
+  const IID all[] = {IID_IDispatch,
+                     IID_IAudioVisualizationTemplate,
+                     GetParam().dispatchId,
+                     IID_IOleObject,
+                     IID_IOleControl,
+                     IID_IOleWindow,
+                     IID_IOleInPlaceObject,
+                     IID_IOleInPlaceActiveObject,
+                     IID_IViewObject,
+                     IID_IViewObject2,
+                     IID_IViewObjectEx,
+                     IID_IPersist,
+                     IID_IPersistStreamInit,
+                     IID_IProvideClassInfo,
+                     IID_IProvideClassInfo2,
+                     IID_ISupportErrorInfo,
+                     IID_IOleInPlaceObjectWindowless,
+                     IID_IPersistStorage,
+                     IID_IPersistPropertyBag,
+                     IID_IQuickActivate,
+                     IID_IConnectionPointContainer};
   for (const IID& iid : all) {
     ComPtr<IUnknown> face, back;
     ASSERT_EQ(S_OK, m_control->QueryInterface(iid, reinterpret_cast<void**>(face.GetAddressOf())));

@@ -102,6 +102,42 @@ TEST_P(Persistence, RefusesLaterVersionsTruncatedStreamsAndImpossibleExtentsAndC
   EXPECT_EQ(before.cy, extent().cy);
 }
 
+TEST_P(Persistence, ReadsItsTwelveBytesAndNotOneMore) {
+  const auto stream = streamOf(bytesOf({0x800, 7000, 3000, 0x12345678}));
+  ASSERT_EQ(S_OK, m_persist->Load(stream.Get()));
+  EXPECT_EQ(7000, extent().cx);
+  std::uint32_t next = 0;
+  ULONG read = 0;
+  EXPECT_EQ(S_OK, stream->Read(&next, sizeof next, &read));
+  EXPECT_EQ(0x12345678u, next) << "what follows belongs to the container";
+}
+
+TEST_P(Persistence, TakesOnlyTheVersionWordFromALaterFormat) {
+  const auto stream = streamOf(bytesOf({0x801, 0x12345678}));
+  EXPECT_EQ(E_FAIL, m_persist->Load(stream.Get()));
+  std::uint32_t next = 0;
+  ULONG read = 0;
+  EXPECT_EQ(S_OK, stream->Read(&next, sizeof next, &read));
+  EXPECT_EQ(0x12345678u, next);
+}
+
+TEST_P(Persistence, EarlierVersionsAreRead) {
+  ASSERT_EQ(S_OK, m_persist->Load(streamOf(bytesOf({0x710, 7000, 3000})).Get()));
+  EXPECT_EQ(7000, extent().cx);
+}
+
+TEST_P(Persistence, ANewControlIsDirtyALoadedOneIsNotAndEitherMayComeAgain) {
+  EXPECT_EQ(S_OK, m_persist->InitNew());
+  EXPECT_EQ(S_OK, m_persist->IsDirty());
+  EXPECT_EQ(S_OK, m_persist->Load(streamOf(bytesOf({0x800, 1, 2})).Get()));
+  EXPECT_EQ(S_FALSE, m_persist->IsDirty());
+  EXPECT_EQ(S_OK, m_persist->Load(streamOf(bytesOf({0x800, 3, 4})).Get()));
+  EXPECT_EQ(3, extent().cx);
+  EXPECT_EQ(S_OK, m_persist->InitNew());
+  EXPECT_EQ(S_OK, m_persist->IsDirty());
+  EXPECT_EQ(3, extent().cx);
+}
+
 TEST_P(Persistence, KnowsWhetherItIsDirty) {
   EXPECT_EQ(S_FALSE, m_persist->IsDirty());
   SIZEL size{100, 100};

@@ -2,8 +2,8 @@
 
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
+#include "type1/minimum_size.h"
 
-#include <algorithm>
 #include <mutex>
 
 namespace av::type1 {
@@ -12,10 +12,10 @@ namespace {
 
 const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type1, L"CAudioVisualization4Type1 Object",
                                    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
-                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
+                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST,
+                                   false, DIID__IAudioVisualization4Type1Events};
 
 constexpr std::uint32_t repaintPeriodMs = 30;
-constexpr SIZE minimumSize{80, 50};  // pixels
 
 }  // namespace
 
@@ -68,7 +68,8 @@ void CAudioVisualization4Type1::pushBlock(IUnknown* audioData) {
 
 STDMETHODIMP CAudioVisualization4Type1::_OnTimer() {
   const ole::KeepAlive alive(*this);
-  if (m_analysis.smoothingStep(m_settings)) drawNow();
+  const bool asked = takeRedrawRequest();
+  if (m_analysis.smoothingStep(m_settings) || asked) drawNow();
   return S_OK;
 }
 
@@ -81,7 +82,7 @@ bool CAudioVisualization4Type1::handleMessage(UINT message, WPARAM, LPARAM, LRES
 }
 
 void CAudioVisualization4Type1::resized() {
-  keepMinimumSize();
+  growToMinimumSize();
   try {
     layoutWindow();
   } catch (const std::bad_alloc&) {
@@ -89,27 +90,27 @@ void CAudioVisualization4Type1::resized() {
   }
 }
 
-void CAudioVisualization4Type1::keepMinimumSize() {
-  RECT client{};
-  if (!hasActiveWindow() || !GetClientRect(inPlace().window(), &client)) return;
-  const LONG width = std::max(client.right, minimumSize.cx);
-  const LONG height = std::max(client.bottom, minimumSize.cy);
-  const Microsoft::WRL::ComPtr<IOleInPlaceSite> site = inPlace().site();
-  if (!site || (width == client.right && height == client.bottom)) return;
-  const RECT& now = inPlace().position();
-  const RECT wanted{now.left, now.top, now.left + width, now.top + height};
-  site->OnPosRectChange(&wanted);  // answered with SetObjectRects, from inside as a rule
+void CAudioVisualization4Type1::growToMinimumSize() {
+  const auto client = clientSize();
+  // A container that answers with another small rectangle has decided.
+  if (!client || m_growing) return;
+  const auto grown = grownSize({client->cx, client->cy});
+  if (!grown) return;
+  const RECT now = inPlace().position();
+  m_growing = true;
+  inPlace().requestPosition({now.left, now.top, now.left + grown->widthPx, now.top + grown->heightPx});
+  m_growing = false;
 }
 
 void CAudioVisualization4Type1::layoutWindow() {
-  RECT client{};
-  if (!hasActiveWindow() || !GetClientRect(inPlace().window(), &client)) return;
+  const auto client = clientSize();
+  if (!client) return;
   const std::lock_guard lock(m_drawingLock);
-  m_picture.layout(m_settings, m_analysis.signal().sampleRateHz, {client.right, client.bottom});
+  m_picture.layout(m_settings, m_analysis.signal().sampleRateHz, *client);
 }
 
 void CAudioVisualization4Type1::draw(HDC target, const RECT& bounds) {
-  const bool inWindow = hasActiveWindow();
+  const bool inWindow = clientSize().has_value();
   try {
     const std::lock_guard lock(m_drawingLock);
     m_picture.paint(target, bounds, inWindow, m_settings, m_analysis.signal());

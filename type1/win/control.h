@@ -95,10 +95,11 @@ class CAudioVisualization4Type1 final : public ole::Control, public ole::Dual<IA
   HRESULT change(Effects effects, Store&& store);
 
   void pushBlock(IUnknown* audioData);
+  /// Asks the container for more room when there is less than scales and curves can use.
+  void growToMinimumSize();
   void layoutWindow();
-  /// Asks the site for more room when the window is smaller than scales and curves can use.
-  void keepMinimumSize();
 
+  bool m_growing = false;  // waits for the container's answer to a wish for a larger rectangle
   Mutex m_mutex;
   CriticalSection m_drawingLock;
   ViewSettings m_settings;

@@ -6,7 +6,8 @@ namespace {
 
 const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type2, L"CAudioVisualization4Type2 Object",
                                    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
-                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
+                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST,
+                                   true};  // it paints itself from its timer, into a window of its own
 
 }  // namespace
 
