@@ -103,8 +103,8 @@ HRESULT InPlaceSession::activateUserInterface() {
     const HRESULT allowed = extended->RequestUIActivate();
     if (!m_active) return E_FAIL;
     if (m_userInterfaceActive) return S_OK;
-    if (FAILED(allowed)) return allowed;
-    if (allowed != S_OK) {
+    // Only S_FALSE denies. Containers that do not implement the question fail it, and mean nothing by that.
+    if (allowed == S_FALSE) {
       site->OnUIDeactivate(FALSE);  // lets the container put the focus right again
       return OLEOBJ_S_CANNOT_DOVERB_NOW;
     }

@@ -230,8 +230,7 @@ std::string parameterName(const testing::TestParamInfo<Parameter>& parameter) {
 INSTANTIATE_TEST_SUITE_P(Plain, TalkOf,
                          testing::Combine(testing::ValuesIn(allControlClasses), testing::Values(Site::plain)),
                          parameterName);
-// Until the controls know IOleInPlaceSiteEx.
-INSTANTIATE_TEST_SUITE_P(DISABLED_SiteEx, TalkOf,
+INSTANTIATE_TEST_SUITE_P(SiteEx, TalkOf,
                          testing::Combine(testing::ValuesIn(allControlClasses), testing::Values(Site::extended)),
                          parameterName);
 
@@ -262,7 +261,7 @@ TEST_P(BareTalk, WithoutAnInPlaceSiteNothingIsSaid) {
   EXPECT_TRUE(isLeftAlone(container));
 }
 
-TEST_P(BareTalk, DISABLED_ADeniedUserInterfaceLeavesTheControlInPlaceActive) {
+TEST_P(BareTalk, ADeniedUserInterfaceLeavesTheControlInPlaceActive) {
   RecordingContainer container({.site = Site::extended});
   ASSERT_NO_FATAL_FAILURE(giveAndSite(container, GetParam().classId));
   ASSERT_EQ(S_OK, container.doVerb(OLEIVERB_INPLACEACTIVATE));

@@ -122,14 +122,12 @@ TEST_P(WindowlessTalk, ASiteThatSaysNoGetsAWindow) {
 }
 
 // The level meter is not among them: it always has a window.
-// Until the controls can do without a window.
-INSTANTIATE_TEST_SUITE_P(DISABLED_Windowless, WindowlessTalk,
-                         testing::Values(allControlClasses[0], allControlClasses[2]),
+INSTANTIATE_TEST_SUITE_P(Windowless, WindowlessTalk, testing::Values(allControlClasses[0], allControlClasses[2]),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
 class LevelMeterTalk : public TalkTest {};
 
-TEST_F(LevelMeterTalk, DISABLED_TakesAWindowAlsoWhereItCouldDoWithoutAndNeverAsks) {
+TEST_F(LevelMeterTalk, TakesAWindowAlsoWhereItCouldDoWithoutAndNeverAsks) {
   RecordingContainer container({.site = RecordingContainer::Site::windowless});
   ASSERT_NO_FATAL_FAILURE(giveAndSite(container, CLSID_CAudioVisualization4Type2));
   ASSERT_EQ(S_OK, container.doVerb(OLEIVERB_SHOW));

@@ -161,6 +161,14 @@ TEST_P(AWindowlessControl, ARefusedUserInterfaceIsNotActive) {
   EXPECT_FALSE(m_site->focus);
   m_site->uiAnswer = S_OK;
   EXPECT_EQ(S_OK, doVerb(OLEIVERB_UIACTIVATE));
+  EXPECT_TRUE(m_site->focus);
+}
+
+TEST_P(AWindowlessControl, ASiteThatCannotBeAskedDoesNotDenyTheUserInterface) {
+  m_site->uiAnswer = E_NOTIMPL;
+  EXPECT_EQ(S_OK, doVerb(OLEIVERB_UIACTIVATE));
+  EXPECT_EQ(1, m_site->uiActivations);
+  EXPECT_TRUE(m_site->focus);
 }
 
 TEST_P(AWindowlessControl, AnotherSiteEndsItsActivity) {
