@@ -219,11 +219,10 @@ std::string parameterName(const testing::TestParamInfo<Parameter>& parameter) {
 INSTANTIATE_TEST_SUITE_P(Plain, HostileTo,
                          testing::Combine(testing::ValuesIn(allControlClasses), testing::Values(Site::plain)),
                          parameterName);
-// Until the controls know IOleInPlaceSiteEx and can do without a window.
-INSTANTIATE_TEST_SUITE_P(DISABLED_SiteEx, HostileTo,
+INSTANTIATE_TEST_SUITE_P(SiteEx, HostileTo,
                          testing::Combine(testing::ValuesIn(allControlClasses), testing::Values(Site::extended)),
                          parameterName);
-INSTANTIATE_TEST_SUITE_P(DISABLED_Windowless, HostileTo,
+INSTANTIATE_TEST_SUITE_P(Windowless, HostileTo,
                          testing::Combine(testing::Values(allControlClasses[0], allControlClasses[2]),
                                           testing::Values(Site::windowless)),
                          parameterName);
