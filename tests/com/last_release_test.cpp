@@ -166,6 +166,33 @@ TEST_P(TakenAway, TheControlsWindowToAnotherParent) {
   EXPECT_TRUE(isLeftAlone(container));
 }
 
+TEST_P(TakenAway, TheControlByAnotherContainer) {
+  RecordingContainer first, second;
+  ASSERT_NO_FATAL_FAILURE(giveAndSite(first, GetParam().classId));
+  ASSERT_EQ(S_OK, first.doVerb(OLEIVERB_UIACTIVATE));
+  const HWND window = first.controlWindow();
+  ASSERT_EQ(S_OK, first.unadvise());
+  first.log.take();
+
+  second.take(ComPtr<IOleObject>(first.control()));
+  EXPECT_EQ(S_OK, second.site());
+  // Whoever takes a control's site away finds it inactive, and the old container has heard so.
+  EXPECT_FALSE(IsWindow(window));
+  EXPECT_EQ(1, first.log.count("IOleInPlaceSite::OnUIDeactivate"));
+  EXPECT_EQ(1, first.log.count("IOleInPlaceSite::OnInPlaceDeactivate"));
+  EXPECT_TRUE(isLeftAlone(first));
+  first.releaseControl();
+  first.log.take();
+
+  EXPECT_EQ(S_OK, second.advise());
+  EXPECT_EQ(S_OK, second.doVerb(OLEIVERB_UIACTIVATE));
+  EXPECT_EQ(second.window(), GetParent(second.controlWindow()));
+  EXPECT_EQ(S_OK, second.close());
+  EXPECT_EQ(0u, second.releaseControl());
+  EXPECT_TRUE(isLeftAlone(second));
+  EXPECT_TRUE(agree({}, first.log.take()));
+}
+
 INSTANTIATE_TEST_SUITE_P(, TakenAway, testing::ValuesIn(allControlClasses),
                          [](const auto& parameter) { return std::string(parameter.param.name); });
 
