@@ -147,6 +147,57 @@ TEST_P(OleFunctions, AStreamThatEndsEarlyLoadsNothingAndLeavesNothingBehind) {
   }
 }
 
+ComPtr<IStorage> memoryStorage() {
+  ComPtr<ILockBytes> bytes;
+  ComPtr<IStorage> storage;
+  EXPECT_EQ(S_OK, CreateILockBytesOnHGlobal(nullptr, TRUE, &bytes));
+  EXPECT_EQ(S_OK, StgCreateDocfileOnILockBytes(bytes.Get(), STGM_CREATE | STGM_READWRITE | STGM_SHARE_EXCLUSIVE, 0,
+                                               &storage));
+  return storage;
+}
+
+TEST_P(OleFunctions, AStorageKeepsClassAndSize) {
+  setExtent(*m_control.Get(), {7777, 3333});
+  const ComPtr<IStorage> storage = memoryStorage();
+  {
+    ComPtr<IPersistStorage> persist;
+    ASSERT_EQ(S_OK, m_control.As(&persist));
+    EXPECT_EQ(S_OK, persist->InitNew(storage.Get()));
+    EXPECT_EQ(S_OK, OleSave(persist.Get(), storage.Get(), TRUE));
+    EXPECT_EQ(S_OK, persist->SaveCompleted(nullptr));  // the caller's part
+    EXPECT_EQ(S_FALSE, persist->IsDirty());
+    EXPECT_EQ(S_OK, persist->HandsOffStorage());
+  }
+  STATSTG status{};
+  ComPtr<IStream> contents;
+  EXPECT_EQ(S_OK,
+            storage->OpenStream(L"Contents", nullptr, STGM_READ | STGM_SHARE_EXCLUSIVE, 0, contents.GetAddressOf()));
+  if (contents) {
+    EXPECT_EQ(12u, sizeOf(*contents.Get()));
+  }
+  contents.Reset();
+  EXPECT_EQ(S_OK, storage->Stat(&status, STATFLAG_NONAME));
+  EXPECT_EQ(GetParam().classId, status.clsid);
+
+  ComPtr<IOleObject> loaded;
+  ASSERT_EQ(S_OK,
+            OleLoad(storage.Get(), __uuidof(IOleObject), nullptr, reinterpret_cast<void**>(loaded.GetAddressOf())));
+  CLSID classId{};
+  EXPECT_EQ(S_OK, loaded->GetUserClassID(&classId));
+  EXPECT_EQ(GetParam().classId, classId);
+  EXPECT_EQ(7777, extentOf(*loaded.Get()).cx);
+  EXPECT_EQ(3333, extentOf(*loaded.Get()).cy);
+  EXPECT_EQ(0u, loaded.Reset());
+}
+
+TEST_P(OleFunctions, AStorageWithoutContentsIsRefused) {
+  const ComPtr<IStorage> storage = memoryStorage();
+  ASSERT_EQ(S_OK, WriteClassStg(storage.Get(), GetParam().classId));
+  IOleObject* loaded = nullptr;
+  EXPECT_TRUE(FAILED(OleLoad(storage.Get(), __uuidof(IOleObject), nullptr, reinterpret_cast<void**>(&loaded))));
+  EXPECT_EQ(nullptr, loaded);
+}
+
 const ControlClass allClasses[] = {{"Type1", CLSID_CAudioVisualization4Type1},
                                    {"Type2", CLSID_CAudioVisualization4Type2},
                                    {"Type3", CLSID_CAudioVisualization4Type3}};
