@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <atomic>
+
 namespace av::ole {
 
 /// Takes the messages of a control's window.
@@ -33,7 +35,7 @@ class ControlWindow {
  private:
   static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 
-  HWND m_window = nullptr;
+  std::atomic<HWND> m_window{nullptr};  // read by blocks on the audio thread
   WindowClient* m_client = nullptr;
 };
 

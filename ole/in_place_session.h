@@ -6,6 +6,7 @@
 #include <oleidl.h>
 #include <wrl/client.h>
 
+#include <atomic>
 #include <optional>
 
 namespace av::ole {
@@ -73,7 +74,7 @@ class InPlaceSession {
   ControlWindow m_window;
   RECT m_position{};
   unsigned m_entry = 0;  // counts activations: each is over when a later one has begun
-  bool m_active = false;
+  std::atomic<bool> m_active{false};  // read by blocks on the audio thread
   bool m_userInterfaceActive = false;
   bool m_clipped = false;  // the window carries a region
 };
