@@ -63,10 +63,15 @@ HRESULT CQELAudioVisualization4Module::loadTypeLibrary(ITypeLib** library) const
   return LoadTypeLibEx(m_path.c_str(), REGKIND_NONE, library);
 }
 
-CQELAudioVisualization4Module& theModule() noexcept {
-  static CQELAudioVisualization4Module module;
-  return module;
-}
+namespace {
+
+// Not a static of the function: its guard would make the static thread runtime take a thread-local slot and two handles,
+// which it does not give back when the DLL is unloaded.
+CQELAudioVisualization4Module moduleObject;
+
+}  // namespace
+
+CQELAudioVisualization4Module& theModule() noexcept { return moduleObject; }
 
 // What the generic framework asks of the binary that it is linked into.
 namespace ole {

@@ -17,14 +17,10 @@ struct ClassName {
   }
 };
 
-const wchar_t* className() noexcept {
-  static const ClassName name;
-  return name.text;
-}
-
 }  // namespace
 
 bool ControlWindow::create(HWND parent, const RECT& position, WindowClient& client) noexcept {
+  const ClassName className;
   WNDCLASSEXW windowClass{};
   windowClass.cbSize = sizeof windowClass;
   // Double clicks are part of the mouse events; a resize repaints everything, since the picture scales with the size.
@@ -32,11 +28,11 @@ bool ControlWindow::create(HWND parent, const RECT& position, WindowClient& clie
   windowClass.lpfnWndProc = procedure;
   windowClass.hInstance = moduleInstance();
   windowClass.hCursor = LoadCursorW(nullptr, MAKEINTRESOURCEW(32512));  // IDC_ARROW
-  windowClass.lpszClassName = className();
+  windowClass.lpszClassName = className.text;
   if (!RegisterClassExW(&windowClass) && GetLastError() != ERROR_CLASS_ALREADY_EXISTS) return false;
 
   m_client = &client;
-  CreateWindowExW(0, className(), nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, position.left,
+  CreateWindowExW(0, className.text, nullptr, WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS, position.left,
                   position.top, position.right - position.left, position.bottom - position.top, parent, nullptr,
                   moduleInstance(), this);
   if (!m_window) m_client = nullptr;
@@ -66,6 +62,6 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wPar
                         : DefWindowProcW(window, message, wParam, lParam);
 }
 
-void unregisterControlWindowClass() noexcept { UnregisterClassW(className(), moduleInstance()); }
+void unregisterControlWindowClass() noexcept { UnregisterClassW(ClassName().text, moduleInstance()); }
 
 }  // namespace av::ole
