@@ -15,6 +15,8 @@ export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d"
 if [ "$arch" = x86 ]; then export WINEARCH=win32; else export WINEARCH=win64; fi
 unset DISPLAY WAYLAND_DISPLAY
+# One language for all runs, and file names of any script: in a bare environment Wine would take them for ASCII.
+export LC_ALL=C.UTF-8
 
 # The 32-bit Wine may live in an i386 system of its own, see tools/with-i386.
 inWine=()
