@@ -13,4 +13,11 @@ void hartleyBinsToLevels(std::span<double> hartley, double fullScale) noexcept {
     hartley[k] = powerToLevelDb(hartleyBinPower(hartley, k), fullScale);
 }
 
+void hartleyBinsToLevels(std::span<double> hartley, double fullScale, double floorDb) noexcept {
+  for (std::size_t k = 1; k < hartley.size() / 2; ++k) {
+    const double levelDb = powerToLevelDb(hartleyBinPower(hartley, k), fullScale);
+    hartley[k] = levelDb >= floorDb ? levelDb : floorDb;
+  }
+}
+
 }  // namespace av::dsp

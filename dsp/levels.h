@@ -25,4 +25,7 @@ double powerToLevelDb(double power, double fullScale) noexcept;
 /// transform's values: blocks that cannot be decoded are analysed again from just this state.
 void hartleyBinsToLevels(std::span<double> hartley, double fullScale) noexcept;
 
+/// The same with a floor: levels below `floorDb` (−200 or more), and those that are no number, become it.
+void hartleyBinsToLevels(std::span<double> hartley, double fullScale, double floorDb) noexcept;
+
 }  // namespace av::dsp

@@ -38,11 +38,12 @@ struct TextRun {
   friend bool operator==(const TextRun&, const TextRun&) = default;
 };
 
-/// One connected line, one pixel wide, over points of the pool of its `Polylines`.
+/// One connected line over points of the pool of its `Polylines`.
 struct Polyline {
   std::size_t firstPoint = 0;
   std::size_t pointCount = 0;
   Argb colour = opaqueBlack;
+  int widthPx = 1;
 
   friend bool operator==(const Polyline&, const Polyline&) = default;
 };
@@ -58,10 +59,10 @@ struct Polylines {
   }
 
   /// Adds a line of `pointCount` points and returns them for filling in.
-  std::span<Point> add(Argb colour, std::size_t pointCount) {
+  std::span<Point> add(Argb colour, std::size_t pointCount, int widthPx = 1) {
     const std::size_t first = points.size();
     points.resize(first + pointCount);
-    lines.push_back({first, pointCount, colour});
+    lines.push_back({first, pointCount, colour, widthPx});
     return std::span(points).subspan(first, pointCount);
   }
 
@@ -80,6 +81,16 @@ struct ImageBlit {
   bool flipped = false;  ///< upside down
 
   friend bool operator==(const ImageBlit&, const ImageBlit&) = default;
+};
+
+/// A rectangle filled from a prepared column of opaque colours: its row i takes the colour `firstRow` + i of the column.
+/// It may reach beyond the picture, which clips it, but not beyond the column.
+struct ColumnFill {
+  int column = 0;  ///< which of the prepared columns; the frame's owner numbers them
+  int firstRow = 0;
+  Rect rect;
+
+  friend bool operator==(const ColumnFill&, const ColumnFill&) = default;
 };
 
 }  // namespace av

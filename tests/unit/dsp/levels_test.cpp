@@ -110,3 +110,20 @@ TEST(Levels, LeaveElementZeroAndTheUpperHalf) {
   for (std::size_t k = 32; k < 64; ++k) EXPECT_EQ(x[k], before[k]);
   for (std::size_t k = 1; k < 32; ++k) EXPECT_NE(x[k], before[k]);
 }
+
+TEST(Levels, StopAtAFloorThatIsGiven) {
+  std::vector<double> x(64, 0.0);
+  std::vector<double> unbounded = x;
+  for (std::size_t k = 1; k < 32; ++k) unbounded[k] = x[k] = std::pow(10.0, -static_cast<double>(k) / 4.0);
+  hartleyBinsToLevels(unbounded, 1.0);
+  hartleyBinsToLevels(x, 1.0, -91.0);
+  for (std::size_t k = 1; k < 32; ++k) EXPECT_EQ(x[k], std::max(unbounded[k], -91.0));
+  EXPECT_GT(x[1], -91.0);
+  EXPECT_EQ(x[31], -91.0);
+}
+
+TEST(Levels, ThatAreNoNumberAreAtTheFloorThatIsGiven) {
+  std::vector<double> x(64, std::numeric_limits<double>::infinity());
+  hartleyBinsToLevels(x, std::numeric_limits<double>::infinity(), -91.0);
+  for (std::size_t k = 1; k < 32; ++k) EXPECT_EQ(x[k], -91.0);
+}

@@ -16,6 +16,14 @@ TEST(Polylines, ShareOnePoolInDrawOrder) {
   EXPECT_EQ((Point{5, 6}), lines.pointsOf(lines.lines[1])[0]);
 }
 
+TEST(Polylines, AreOnePixelWideUnlessTheySayOtherwise) {
+  Polylines lines;
+  lines.add(0xFF112233, 2);
+  lines.add(0xFF112233, 2, 5);
+  EXPECT_EQ(1, lines.lines[0].widthPx);
+  EXPECT_EQ(5, lines.lines[1].widthPx);
+}
+
 TEST(Polylines, KeepTheirMemoryWhenCleared) {
   Polylines lines;
   lines.add(opaqueBlack, 1000);

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "common/audio_block.h"
+#include "common/line_list.h"
+#include "common/relaxed.h"
+#include "common/stream_format.h"
+#include "dsp/centred_windows.h"
+#include "dsp/radix4_hartley.h"
+#include "type2/settings.h"
+
+#include <array>
+#include <cstdint>
+#include <memory>
+
+namespace av::type2 {
+
+/// How many of a block's frames are analysed: 4 to the power of ln F / ln 4, in double precision, truncated. That is F
+/// itself for most F and F − 1 for some (1100 gives 1099), and which of the two is up to the last bits of the build's
+/// own pow and log; it is not rounded to a power of four, on purpose. 0 for 0 frames and fewer; blocks of more than
+/// 48000 frames count as 48000.
+int analysisLength(std::int32_t frames) noexcept;
+
+/// The data side of the level meter: turns blocks into the values of the lines.
+///
+/// Threads. `accept` and `clear` run one at a time, under the control's mutex; they take the line list's lock themselves
+/// while they write lines.
+class MeterAnalysis {
+ public:
+  /// What became of a block.
+  enum class Outcome {
+    dropped,   ///< refused: nothing has changed
+    tooShort,  ///< fewer frames than lines: the lines are empty now. A redraw is due at once
+    analysed,  ///< the lines have new values, which the next tick draws
+  };
+
+  /// `lines` outlives this object. Allocates all that blocks will ever need (std::bad_alloc).
+  explicit MeterAnalysis(LineList& lines);
+
+  /// Mixes a block of interleaved PCM to mono, windows and transforms it, and folds the levels into the lines.
+  /// A depth that is not decoded here (anything but 8, 16 and 32 bits) leaves the buffer as the last block's analysis
+  /// left it, and that is analysed again. Overwrites `settings.fftWindowSize` with the analysis length. Allocates nothing.
+  // [audio thread, under the control's mutex]
+  Outcome accept(const AudioBlock& block, MeterSettings& settings, std::uint32_t nowMs) noexcept;
+
+  /// Empties the lines and shows none of them until the next block.
+  // [audio thread, under the control's mutex]
+  void clear(std::uint32_t nowMs) noexcept;
+
+  /// Whether there are lines to draw: from the first accepted block on, until `clear`. [any thread]
+  bool hasData() const noexcept { return m_hasData; }
+
+  const StreamFormat& format() const noexcept { return m_format; }  // [under the control's mutex]
+
+ private:
+  using Transform = dsp::Radix4Hartley;
+  using Buffer = std::array<double, Transform::bufferLength>;
+
+  void analyse(const AudioBlock& block, const MeterSettings& settings, std::size_t length,
+               std::uint32_t nowMs) noexcept;
+
+  LineList& m_lines;
+  StreamFormat m_format;
+  Relaxed<bool> m_hasData = false;
+  std::unique_ptr<Buffer> m_buffer =
+      std::make_unique<Buffer>();  ///< samples, their transform and their levels, in place
+  dsp::CentredWindow m_window{Transform::maxLength};
+  Transform m_transform;
+};
+
+}  // namespace av::type2

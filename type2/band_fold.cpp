@@ -1,0 +1,117 @@
+#include "type2/band_fold.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <limits>
+
+namespace av::type2 {
+namespace {
+
+/// The levels from bin 1 to bin M, and what becomes of the lines.
+class Fold {
+ public:
+  Fold(std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs) noexcept
+      : m_levels(levels), m_lines(lines), m_nowMs(nowMs), m_lastBin(static_cast<int>(levels.size()) - 1) {}
+
+  void linear() const {
+    const double step = lastBin() / lineCount();
+    const int width = static_cast<int>(step);
+    for (int i = 0; i < lines(); ++i) write(i, meanUpward(static_cast<int>(i * step + 1.0), width));
+  }
+
+  void linearMirrored() const {
+    const double step = 2.0 * lastBin() / (lineCount() + 1.0);
+    const int width = static_cast<int>(step);
+    for (int i = 0; i < half(); ++i) writeBothSides(i, meanUpward(static_cast<int>(step * i + 1.0), width));
+  }
+
+  void logarithmic() const {
+    const double ratio = std::pow(lastBin(), 1.0 / (lineCount() - 1.0));
+    write(0, level(1));
+    for (int i = 1; i < lines(); ++i) write(i, logarithmicBand(ratio, i));
+  }
+
+  void logarithmicMirrored() const {
+    const double ratio = std::pow(lastBin(), 2.0 / (lineCount() - 1.0));
+    writeBothSides(0, level(1));
+    for (int i = 1; i < half(); ++i) writeBothSides(i, logarithmicBand(ratio, i));
+  }
+
+  void nothing() const {
+    for (int i = 0; i < lines(); ++i) write(i, std::numeric_limits<double>::quiet_NaN());
+  }
+
+ private:
+  int lines() const noexcept { return static_cast<int>(m_lines.size()); }
+  int half() const noexcept { return (lines() + 1) / 2; }
+  double lineCount() const noexcept { return static_cast<double>(m_lines.size()); }
+  double lastBin() const noexcept { return m_lastBin; }
+  double level(int bin) const noexcept { return m_levels[static_cast<std::size_t>(std::min(bin, m_lastBin))]; }
+
+  /// Mean of `count` bins from `first` upward; no number for a count of 0.
+  double meanUpward(int first, int count) const noexcept {
+    double sum = 0.0;
+    for (int i = 0; i < count; ++i) sum += level(first + i);
+    return sum / count;
+  }
+
+  /// The mean of the bins from r^(i−1) to r^i, counted downward from one bin above: the shift belongs to the layout.
+  double logarithmicBand(double ratio, int i) const noexcept {
+    const double upper = power(ratio, i);
+    const int top = std::max(static_cast<int>(upper), i);
+    const int count = std::max(static_cast<int>(upper - power(ratio, i - 1)), 1);
+    double sum = 0.0;
+    for (int k = 0; k < count; ++k) sum += level(top + 1 - k);
+    return sum / count;
+  }
+
+  /// Whole power by repeated squaring, whose bits decide the band limits; std::pow has others.
+  static double power(double base, int exponent) noexcept {
+    double result = 1.0;
+    for (; exponent > 0; exponent /= 2, base *= base) {
+      if (exponent % 2 != 0) result *= base;
+    }
+    return result;
+  }
+
+  void write(int line, double value) const noexcept {
+    writeLine(m_lines[static_cast<std::size_t>(line)], value, m_nowMs);
+  }
+
+  /// An odd count has one line in the centre, which is written twice for i = 0.
+  void writeBothSides(int i, double value) const noexcept {
+    write(lines() / 2 + i, value);
+    write((lines() - 1) / 2 - i, value);
+  }
+
+  std::span<const double> m_levels;
+  std::span<LineInfo> m_lines;
+  std::uint32_t m_nowMs;
+  int m_lastBin;
+};
+
+}  // namespace
+
+BandLayout bandLayout(std::int32_t fftViewType, std::int32_t alignmentY) noexcept {
+  switch (std::int64_t{fftViewType} * 2 | std::int64_t{alignmentY}) {
+    case 1: return BandLayout::linearMirrored;
+    case 2: return BandLayout::logarithmic;
+    case 3: return BandLayout::logarithmicMirrored;
+    default: return BandLayout::linear;
+  }
+}
+
+void foldBands(BandLayout layout, std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs) {
+  if (lines.empty()) return;
+  const Fold fold(levels, lines, nowMs);
+  if (levels.size() < 2) return fold.nothing();
+  switch (layout) {
+    case BandLayout::linear: return fold.linear();
+    case BandLayout::linearMirrored: return fold.linearMirrored();
+    case BandLayout::logarithmic: return fold.logarithmic();
+    case BandLayout::logarithmicMirrored: return fold.logarithmicMirrored();
+  }
+}
+
+}  // namespace av::type2
