@@ -29,7 +29,7 @@ test:
 	@tools/run-tests quick
 
 test-full:
-	@tools/bootstrap.sh build test
+	@tools/bootstrap.sh build test test-full
 	@tools/run-tests full
 
 test-x86:

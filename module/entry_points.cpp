@@ -7,13 +7,17 @@
 
 #include "module/module.h"
 #include "module/registration.h"
+#include "module/runtime_threads.h"
 #include "ole/control_window.h"
 
 // [loader lock]
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {
   if (reason == DLL_PROCESS_ATTACH) return av::theModule().initialise(instance) ? TRUE : FALSE;
-  // A window class outlives its DLL; the process's end takes everything along anyway.
-  if (reason == DLL_PROCESS_DETACH && !processEnds) av::ole::unregisterControlWindowClass();
+  // What outlives its DLL: a window class, and what the runtime holds. A process's end takes everything along anyway.
+  if (reason == DLL_PROCESS_DETACH && !processEnds) {
+    av::ole::unregisterControlWindowClass();
+    av::releaseRuntimeThreads();
+  }
   return TRUE;
 }
 

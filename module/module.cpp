@@ -65,8 +65,7 @@ HRESULT CQELAudioVisualization4Module::loadTypeLibrary(ITypeLib** library) const
 
 namespace {
 
-// Not a static of the function: its guard would make the static thread runtime take a thread-local slot and two handles,
-// which it does not give back when the DLL is unloaded.
+// Not a static of the function: its guard would need more of a thread library than module/runtime_threads.cpp has.
 CQELAudioVisualization4Module moduleObject;
 
 }  // namespace

@@ -47,7 +47,14 @@ STDMETHODIMP ClassInfo::GetGUID(DWORD kind, GUID* guid) {
 }
 
 STDMETHODIMP ErrorInfoSupport::InterfaceSupportsErrorInfo(REFIID iid) {
-  return iid == control().dispatchInterfaceId() ? S_OK : S_FALSE;
+  // IDispatch has failures of its own, and tells of the members' in its exception record.
+  if (iid == IID_IUnknown || iid == IID_IDispatch) return S_FALSE;
+  // The dual interface and those that it derives from are one table of methods.
+  ComPtr<IUnknown> asked, dual;
+  if (FAILED(control().queryInterface(iid, reinterpret_cast<void**>(asked.GetAddressOf())))) return S_FALSE;
+  const HRESULT found =
+      control().queryInterface(control().dispatchInterfaceId(), reinterpret_cast<void**>(dual.GetAddressOf()));
+  return SUCCEEDED(found) && asked.Get() == dual.Get() ? S_OK : S_FALSE;
 }
 
 }  // namespace av::ole

@@ -36,6 +36,26 @@ struct ConnectionPointTraits {
   static void release(IConnectionPoint** item) { (*item)->Release(); }
 };
 
+constexpr std::size_t mostArguments = 8;
+
+HRESULT call(IDispatch& sink, DISPID event, std::initializer_list<LONG> arguments) {
+  VARIANT reversed[mostArguments];  // DISPPARAMS has the last argument first
+  auto* next = reversed + arguments.size();
+  for (const LONG argument : arguments) {
+    --next;
+    VariantInit(next);
+    V_VT(next) = VT_I4;
+    V_I4(next) = argument;
+  }
+  DISPPARAMS parameters{reversed, nullptr, static_cast<UINT>(arguments.size()), 0};
+  VARIANT result;
+  VariantInit(&result);  // events answer with an HRESULT, which some sinks store here without looking
+  const HRESULT called =
+      sink.Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters, &result, nullptr, nullptr);
+  VariantClear(&result);
+  return called;
+}
+
 }  // namespace
 
 STDMETHODIMP ConnectionPoint::QueryInterface(REFIID iid, void** object) {
@@ -110,19 +130,15 @@ bool ConnectionPoint::isConnected(DWORD cookie) const noexcept {
                      [&](const Connection& connection) { return connection.cookie == cookie; });
 }
 
-HRESULT ConnectionPoint::fire(DISPID event, VARIANT* arguments, UINT count) {
+HRESULT ConnectionPoint::fire(DISPID event, std::initializer_list<LONG> arguments) {
+  if (arguments.size() > mostArguments) return E_INVALIDARG;
   if (m_connections.empty()) return S_OK;
   HRESULT outcome = S_OK;
   try {
     const std::vector<Connection> connections = m_connections;  // sinks come and go during the calls
     for (const Connection& connection : connections) {
       if (!isConnected(connection.cookie)) continue;
-      DISPPARAMS parameters{arguments, nullptr, count, 0};
-      VARIANT result;
-      VariantInit(&result);  // events answer with an HRESULT, which some sinks store here without looking
-      const HRESULT called = connection.sink->Invoke(event, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD, &parameters,
-                                                     &result, nullptr, nullptr);
-      VariantClear(&result);
+      const HRESULT called = call(*connection.sink.Get(), event, arguments);
       if (FAILED(called)) outcome = called;
     }
   } catch (const std::bad_alloc&) {

@@ -6,6 +6,7 @@
 #include <olectl.h>
 #include <wrl/client.h>
 
+#include <initializer_list>
 #include <vector>
 
 namespace av::ole {
@@ -31,9 +32,9 @@ class ConnectionPoint final : public IConnectionPoint {
 
   /// Sends an event to the sinks that are connected now, in the order of their connection. A sink that is disconnected
   /// meanwhile is passed over, one that is connected meanwhile waits for the next event; a failing sink does not stop
-  /// the others. `arguments`: as DISPPARAMS has them, the last one first.
+  /// the others. `arguments`: the first one first, at most eight (E_INVALIDARG); each sink gets a copy of its own.
   /// Returns the last failure, else S_OK. The caller holds the control.
-  HRESULT fire(DISPID event, VARIANT* arguments, UINT count);
+  HRESULT fire(DISPID event, std::initializer_list<LONG> arguments);
 
   /// Lets all sinks go: the control is at its end.
   void disconnectAll() noexcept;

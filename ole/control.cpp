@@ -1,8 +1,22 @@
 #include "ole/control.h"
 
-#include "ole/extent.h"
+#include <algorithm>
+#include <cstdint>
+#include <limits>
 
 namespace av::ole {
+
+namespace {
+
+/// How far a message's coordinate lies from `origin`, as messages carry it: 16 bits with a sign. A control that is
+/// scrolled far out of its container's window may be further away than these can say.
+WORD distanceOnAxis(WORD coordinate, LONG origin) noexcept {
+  using Limits = std::numeric_limits<std::int16_t>;
+  const std::int64_t distance = std::int64_t{static_cast<std::int16_t>(coordinate)} - origin;
+  return static_cast<WORD>(std::clamp<std::int64_t>(distance, Limits::min(), Limits::max()));
+}
+
+}  // namespace
 
 Control::Control(IUnknown* outer, const ControlInfo& info) noexcept
     : Object(outer), m_info(info), m_extent{5080, 5080} {}
@@ -36,20 +50,10 @@ void Control::setClientSite(IOleClientSite* site) {
 }
 
 HRESULT Control::fireEvent(DISPID event, std::initializer_list<LONG> arguments) {
-  constexpr std::size_t most = 8;
   ConnectionPoint* const point = events();
   if (!point || m_oleControl.eventsAreFrozen()) return S_OK;
-  if (arguments.size() > most) return E_INVALIDARG;
   const KeepAlive alive(*this);
-  VARIANT reversed[most];
-  auto* next = reversed + arguments.size();
-  for (const LONG argument : arguments) {
-    --next;
-    VariantInit(next);
-    V_VT(next) = VT_I4;
-    V_I4(next) = argument;
-  }
-  return point->fire(event, reversed, static_cast<UINT>(arguments.size()));
+  return point->fire(event, arguments);
 }
 
 void Control::extentLoaded(SIZEL himetric) {
@@ -111,7 +115,8 @@ LRESULT Control::windowMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
       return 0;
     }
     case WM_ERASEBKGND: return 1;  // the picture covers everything
-    case WM_SIZE: resized(); break;
+    case WM_SIZE: resized({LOWORD(lParam), HIWORD(lParam)}); break;
+    case WM_MOVE: m_inPlace.windowMoved(); break;
     case WM_SETFOCUS:
     case WM_KILLFOCUS: focusChanged(message == WM_SETFOCUS); break;
     case WM_MOUSEACTIVATE: m_inPlace.activateUserInterface(); break;
@@ -127,12 +132,13 @@ bool Control::windowlessMessage(UINT message, WPARAM wParam, LPARAM lParam, LRES
   const bool pointer = message >= WM_MOUSEFIRST && message <= WM_MOUSELAST;
   if (pointer && message != WM_MOUSEWHEEL && message != WM_MOUSEHWHEEL) {
     const RECT& position = m_inPlace.position();
-    lParam = MAKELPARAM(static_cast<short>(LOWORD(lParam)) - position.left,
-                        static_cast<short>(HIWORD(lParam)) - position.top);
+    lParam = MAKELPARAM(distanceOnAxis(LOWORD(lParam), position.left), distanceOnAxis(HIWORD(lParam), position.top));
   }
-  // A window would hear of this by WM_MOUSEACTIVATE.
-  if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN)
+  // A window would hear of this by WM_MOUSEACTIVATE, and the press would not reach it if that had ended it.
+  if (message == WM_LBUTTONDOWN || message == WM_MBUTTONDOWN || message == WM_RBUTTONDOWN) {
     m_inPlace.activateUserInterface();
+    if (!m_inPlace.isWindowless()) return false;
+  }
   if (handleMessage(message, wParam, lParam, result)) return true;
   if (message != WM_SETFOCUS && message != WM_KILLFOCUS) return false;
   focusChanged(message == WM_SETFOCUS);

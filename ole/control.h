@@ -44,8 +44,8 @@ class Control : public Object, public WindowClient {
   virtual void draw(HDC target, const RECT& bounds) = 0;
   /// After a verb of the in-place activation kind was handled, whatever its result. [control thread]
   virtual void activationVerbDone() {}
-  /// The client area has a new size. [control thread]
-  virtual void resized() {}
+  /// The client area has a new size, in pixels. [control thread]
+  virtual void resized(SIZE /*client*/) {}
   /// A message of the control's window, before the framework looks at it. True: handled, `result` is the answer.
   /// Windowless, a message that the container passes on; pointer positions count from the control's corner either way.
   virtual bool handleMessage(UINT /*message*/, WPARAM /*wParam*/, LPARAM /*lParam*/, LRESULT& /*result*/) {
@@ -66,8 +66,8 @@ class Control : public Object, public WindowClient {
   /// The connection point of the event interface; null for a control without events.
   ConnectionPoint* events() noexcept { return m_connectionPoints.events(); }
 
-  /// Sends an event with the given arguments (first one first) to all sinks; see ConnectionPoint::fire. While the
-  /// container has frozen the events they are dropped, not kept: each speaks of a moment that has passed by then.
+  /// Sends an event with the given arguments to all sinks; see ConnectionPoint::fire. While the container has frozen the
+  /// events they are dropped, not kept: each speaks of a moment that has passed by then.
   HRESULT fireEvent(DISPID event, std::initializer_list<LONG> arguments);
 
   SIZEL extentHimetric() const noexcept { return m_extent; }

@@ -6,6 +6,12 @@ namespace av::ole {
 
 using Microsoft::WRL::ComPtr;
 
+namespace {
+
+SIZE sizeOf(const RECT& rect) noexcept { return {rect.right - rect.left, rect.bottom - rect.top}; }
+
+}  // namespace
+
 HRESULT InPlaceSession::activate(bool userInterface) {
   const ComPtr<IOleClientSite> client = m_control.clientSite();
   if (!client) return S_OK;
@@ -76,7 +82,7 @@ HRESULT InPlaceSession::enter(IOleClientSite& client) {
   m_document = document;
   m_position = position;
   if (windowless) {
-    m_control.resized();
+    m_control.resized(sizeOf(position));
     return entry == m_entry && m_active ? S_OK : overtaken();
   }
   const bool made = m_window.create(parent, position, m_control);
@@ -178,11 +184,11 @@ HRESULT InPlaceSession::hide() {
 
 HRESULT InPlaceSession::setObjectRects(const RECT& position, const RECT& clip) {
   if (!m_active) return E_UNEXPECTED;
-  const bool resized = position.right - position.left != m_position.right - m_position.left ||
-                       position.bottom - position.top != m_position.bottom - m_position.top;
+  const SIZE old = sizeOf(m_position), wanted = sizeOf(position);
+  const bool resized = old.cx != wanted.cx || old.cy != wanted.cy;
   m_position = position;
   if (m_windowless) {
-    if (resized) m_control.resized();
+    if (resized) m_control.resized(wanted);
   } else if (HWND window = m_window.handle()) {
     // An empty clip comes from containers that do not clip at all; it does not hide the control.
     RECT visible{};
@@ -199,6 +205,14 @@ HRESULT InPlaceSession::setObjectRects(const RECT& position, const RECT& clip) {
   return S_OK;
 }
 
+void InPlaceSession::windowMoved() noexcept {
+  const HWND window = m_window.handle();
+  RECT place{};
+  if (!window || !GetWindowRect(window, &place)) return;
+  MapWindowPoints(nullptr, GetParent(window), reinterpret_cast<POINT*>(&place), 2);
+  OffsetRect(&m_position, place.left - m_position.left, place.top - m_position.top);
+}
+
 void InPlaceSession::requestPosition(const RECT& position) {
   const ComPtr<IOleInPlaceSite> site = m_site;
   if (m_active && site) site->OnPosRectChange(&position);
@@ -211,7 +225,7 @@ void InPlaceSession::invalidate() {
 
 std::optional<SIZE> InPlaceSession::clientSize() const noexcept {
   if (!m_active) return std::nullopt;
-  if (m_windowless) return SIZE{m_position.right - m_position.left, m_position.bottom - m_position.top};
+  if (m_windowless) return sizeOf(m_position);
   RECT client{};
   if (!m_window.handle() || !GetClientRect(m_window.handle(), &client)) return std::nullopt;
   return SIZE{client.right, client.bottom};

@@ -39,6 +39,8 @@ class InPlaceSession {
   HRESULT hide();
   /// `position`, `clip`: pixels of the parent's client area.
   HRESULT setObjectRects(const RECT& position, const RECT& clip);
+  /// The control's window was moved, by whomever: requests for another place start from where it is now.
+  void windowMoved() noexcept;
   /// Asks the container for another place. Its answer, if it agrees, comes as setObjectRects, mostly before this returns.
   void requestPosition(const RECT& position);
   /// Windowless: asks the site to have the control drawn again.
@@ -73,7 +75,7 @@ class InPlaceSession {
   Microsoft::WRL::ComPtr<IOleInPlaceUIWindow> m_document;
   ControlWindow m_window;
   RECT m_position{};
-  unsigned m_entry = 0;  // counts activations: each is over when a later one has begun
+  unsigned m_entry = 0;               // counts activations: each is over when a later one has begun
   std::atomic<bool> m_active{false};  // read by blocks on the audio thread
   bool m_userInterfaceActive = false;
   bool m_clipped = false;  // the window carries a region

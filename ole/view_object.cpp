@@ -37,6 +37,7 @@ STDMETHODIMP ViewObject::Draw(DWORD aspect, LONG, void*, DVTARGETDEVICE*, HDC, H
   const DWORD kind = GetObjectType(target);
   if (kind != OBJ_METADC && kind != OBJ_ENHMETADC) {
     LPtoDP(target, reinterpret_cast<POINT*>(&pixels), 2);
+    ModifyWorldTransform(target, nullptr, MWT_IDENTITY);  // fails where there can be none
     SetMapMode(target, MM_TEXT);
     SetWindowOrgEx(target, 0, 0, nullptr);
     SetViewportOrgEx(target, 0, 0, nullptr);

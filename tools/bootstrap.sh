@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a job needs and this machine lacks:  tools/bootstrap.sh GROUP [GROUP ...]
-# Groups: build test demo lint coverage x86. Nothing is asked of apt when nothing is missing.
+# Groups: build test test-full demo lint coverage x86. Nothing is asked of apt when nothing is missing.
 # As root, or with sudo at hand, it installs; otherwise it prints the one line to run and fails.
 set -u
 
@@ -10,6 +10,7 @@ packagesOf() {
     build) echo cmake ninja-build g++ g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools \
                 googletest python3 wine wine64 ;;
     test) echo wine wine64 fonts-liberation googletest python3 ;;
+    test-full) echo xvfb xdotool ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;

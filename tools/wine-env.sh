@@ -8,6 +8,8 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 dpi=${AV_DPI:-96}
 suffix=
 [ "$dpi" = 96 ] || suffix=-$dpi
+# An X server's screen, for real pointers, is one too.
+[ -z "${AV_DISPLAY:-}" ] || suffix=$suffix-x11
 export WINEPREFIX=${AV_WINEPREFIX:-$root/build/wine-$arch$suffix}
 export WINEDEBUG=${WINEDEBUG:--all}
 # Without its debugger a crashing program ends with a failure at once; winedbg sometimes turns that into exit code 0.
@@ -15,6 +17,7 @@ export WINEDEBUG=${WINEDEBUG:--all}
 export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=d;winedbg.exe=d"
 if [ "$arch" = x86 ]; then export WINEARCH=win32; else export WINEARCH=win64; fi
 unset DISPLAY WAYLAND_DISPLAY
+[ -z "${AV_DISPLAY:-}" ] || export DISPLAY=$AV_DISPLAY
 # One language for all runs, and file names of any script: in a bare environment Wine would take them for ASCII.
 export LC_ALL=C.UTF-8
 
@@ -40,12 +43,14 @@ makePrefix() {
   quietly wineserver -k
   quietly wineserver -w
   rm -rf "${WINEPREFIX:?}"/{dosdevices,drive_c,*.reg,.update-timestamp,.ready,.made-[1-9]*}
+  local graphics=null
+  [ -z "${AV_DISPLAY:-}" ] || graphics=x11
   # Written before the first start, so that it already runs without a screen; the server reads it when it comes up.
   cat >"$WINEPREFIX/user.reg" <<REG
 WINE REGISTRY Version 2
 
 [Software\\\\Wine\\\\Drivers]
-"Graphics"="null"
+"Graphics"="$graphics"
 
 [Software\\\\Wine\\\\Fonts\\\\Replacements]
 "Arial"="Liberation Sans"

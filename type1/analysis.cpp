@@ -48,8 +48,7 @@ auto ViewAnalysis::accept(const AudioBlock& block, ViewSettings& settings) noexc
 }
 
 void ViewAnalysis::storeFormat(const AudioFormatBlock& header, ViewSettings& settings) noexcept {
-  m_format = {header.wFormatTag,  header.nChannels,      header.nSamplesPerSec, header.nAvgBytesPerSec,
-              header.nBlockAlign, header.wBitsPerSample, header.cbSize};
+  m_format = streamFormatOf(header);
   m_channelCount = std::min<int>(header.nChannels, maxChannels);
   m_sampleRateHz = header.nSamplesPerSec;
   m_fullScale = fullScaleValue(header.wBitsPerSample);

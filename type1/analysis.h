@@ -3,6 +3,7 @@
 #include "common/audio_block.h"
 #include "common/lockable.h"
 #include "common/relaxed.h"
+#include "common/stream_format.h"
 #include "dsp/centred_windows.h"
 #include "dsp/hartley.h"
 #include "type1/channel_slots.h"
@@ -13,17 +14,6 @@
 #include <memory>
 
 namespace av::type1 {
-
-/// The stream's header fields as the last accepted block gave them.
-struct StreamFormat {
-  std::uint16_t formatTag = formatTagPcm;
-  std::uint16_t channels = 2;
-  std::uint32_t samplesPerSec = 44100;
-  std::uint32_t avgBytesPerSec = 176000;  ///< not 176400: kept as it always was, nothing reads it
-  std::uint16_t blockAlign = 4;
-  std::uint16_t bitsPerSample = 16;
-  std::uint16_t extraSize = 0;
-};
 
 /// The data side of the view: turns blocks into the arrays that the drawing reads and animates them.
 ///

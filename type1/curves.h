@@ -16,8 +16,7 @@ void addWaveforms(Polylines& curves, const ViewSettings& settings, const ViewSig
 void addLinearSpectra(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal,
                       const ViewLayout& layout);
 
-/// The same on the octave axis: octave o, of the bins 2^o to 2^(o+1) − 1, spans from (o + 1)·w to (o + 2)·w, w being the
-/// plot's width over one octave more than there are, so the first w pixels hold only the flat start.
+/// The same on the octave axis (`OctaveAxis`), whose first octave's width holds only the flat start.
 void addOctaveSpectra(Polylines& curves, const ViewSettings& settings, const ViewSignal& signal,
                       const ViewLayout& layout);
 

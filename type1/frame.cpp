@@ -1,18 +1,16 @@
 #include "type1/frame.h"
 
+#include "gfx/border.h"
 #include "gfx/saturate.h"
+#include "type1/bars.h"
+#include "type1/correlation_marks.h"
 #include "type1/curves.h"
 #include "type1/labels.h"
-
-#include <algorithm>
-#include <initializer_list>
+#include "type1/xy_grid.h"
+#include "type1/xy_view.h"
 
 namespace av::type1 {
 namespace {
-
-// The bevelled borders' two near-black shades; they ignore the border colour.
-constexpr Argb bevelLight = 0xFF140000;
-constexpr Argb bevelDark = 0xFF100000;
 
 /// Each strip starts one pixel beyond the plot's edge, so it ends one pixel beyond the client area.
 void addStrips(std::vector<FilledRect>& strips, const ViewSettings& settings, const ViewLayout& layout) {
@@ -24,28 +22,6 @@ void addStrips(std::vector<FilledRect>& strips, const ViewSettings& settings, co
   if (settings.scaleYVisible && layout.yScaleWidthPx > 0) {
     const int left = client.right - layout.yScaleWidthPx + 1;
     strips.push_back({{left, client.top, left + layout.yScaleWidthPx, client.bottom}, settings.scaleColor});
-  }
-}
-
-void addLine(Polylines& lines, Argb colour, std::initializer_list<Point> points) {
-  std::copy(points.begin(), points.end(), lines.add(colour, points.size()).begin());
-}
-
-void addBorder(Polylines& border, const ViewSettings& settings, const Rect& client) {
-  const Point topLeft{client.left, client.top};
-  const Point topRight{client.right - 1, client.top};
-  const Point bottomRight{client.right - 1, client.bottom - 1};
-  const Point bottomLeft{client.left, client.bottom - 1};
-  switch (settings.borderType) {
-    case 1: addLine(border, settings.borderColor, {topRight, bottomRight, bottomLeft, topLeft, topRight}); break;
-    case 2:
-    case 3: {
-      const bool raised = settings.borderType == 2;
-      addLine(border, raised ? bevelLight : bevelDark, {topRight, bottomRight, bottomLeft});
-      addLine(border, raised ? bevelDark : bevelLight, {bottomLeft, topLeft, topRight});
-      break;
-    }
-    default: break;
   }
 }
 
@@ -64,7 +40,7 @@ void addRulerGrid(std::vector<LineSegment>& grid, const ViewSettings& settings, 
 
 }  // namespace
 
-void buildFurniture(ViewFrame& reused, const ViewSettings& settings, std::uint32_t sampleRateHz,
+void buildFurniture(ViewFurniture& reused, const ViewSettings& settings, std::uint32_t sampleRateHz,
                     const ViewLayout& layout, const TextMeasure& measure) {
   reused.client = layout.client;
   reused.background = settings.backColor;
@@ -73,13 +49,18 @@ void buildFurniture(ViewFrame& reused, const ViewSettings& settings, std::uint32
   reused.labels.clear();
   reused.grid.clear();
   addStrips(reused.strips, settings, layout);
-  if (!layout.client.isEmpty()) addBorder(reused.border, settings, layout.client);
+  addBorder(reused.border, settings.borderType, settings.borderColor, layout.client);
   addScaleTexts(reused.labels, settings, sampleRateHz, layout, measure);
-  if (settings.gridVisible && settings.visualizationType < 6) addRulerGrid(reused.grid, settings, layout);
+  if (!settings.gridVisible) return;
+  if (settings.visualizationType < 6) addRulerGrid(reused.grid, settings, layout);
+  if (isXyView(settings.visualizationType)) addXyGrid(reused.grid, settings.gridColor, layout);
 }
 
 void buildCurves(ViewFrame& reused, const ViewSettings& settings, const ViewSignal& signal, const ViewLayout& layout) {
+  reused.correlation.clear();
+  reused.bars.clear();
   reused.curves.clear();
+  reused.balance.clear();
   if (!signal.dataReceived || layout.plotWidth < 1) return;
   switch (settings.visualizationType) {
     case 1: addWaveforms(reused.curves, settings, signal, layout); break;
@@ -91,7 +72,15 @@ void buildCurves(ViewFrame& reused, const ViewSettings& settings, const ViewSign
         addOctaveSpectra(reused.curves, settings, signal, layout);
       }
       break;
+    case 3:
+    case 4:
+    case 5: addBars(reused.bars, settings, signal, layout); break;
+    case 6: addXyCurves(reused.curves, settings, signal, layout); break;
+    case 7: addBalanceCurves(reused.balance, signal, layout); break;
     default: break;
+  }
+  if (settings.gridVisible && isXyView(settings.visualizationType)) {
+    addCorrelationMarks(reused.correlation, settings, signal, layout);
   }
 }
 

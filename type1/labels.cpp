@@ -1,21 +1,22 @@
 #include "type1/labels.h"
 
 #include "gfx/saturate.h"
+#include "type1/label_series.h"
 #include "type1/pointer_units.h"
+#include "type1/xy_grid.h"
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstddef>
 #include <cstdlib>
+#include <limits>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace av::type1 {
 namespace {
-
-constexpr int maxVerticalLabels = 100;
 
 std::string decimal(std::int64_t value) {
   std::array<char, 24> digits{};
@@ -41,7 +42,8 @@ class Placement {
         m_gapPx(std::max(2, layout.textHeightPx / 6)),
         m_edgePx(std::max(1, layout.textHeightPx / 5)),
         // One more for the row that a label may gain when it is centred.
-        m_rowPitchPx(std::int64_t{std::max(layout.textHeightPx, measure.measure("0").heightPx)} + 1 + m_gapPx) {}
+        m_rowPitchPx(std::max(layout.textHeightPx, measure.measure("0").heightPx) + 1 + m_gapPx),
+        m_blankPx(measure.measure("dB ").widthPx - measure.measure("dB").widthPx) {}
 
   void addHorizontalLabels() {
     if (m_settings.visualizationType == 6 || !xStripShown()) return;
@@ -59,14 +61,18 @@ class Placement {
   }
 
   void addHorizontalUnit() {
-    if (m_settings.visualizationType == 6 || !xStripShown()) return;
+    // The strip of the X-Y views holds no frequencies: no labels, or those of sample indices.
+    if (isXyView(m_settings.visualizationType) || !xStripShown()) return;
     const std::string_view unit = m_settings.visualizationType < 2 ? "smpl" : "Hz  ";
     const Size size = m_measure.measure(unit);
     const Rect& client = m_layout.client;
     Rect rect{0, client.bottom - m_layout.xScaleHeightPx, 0, client.bottom};
     if (rect.height() < size.heightPx) return;
-    // Behind the last label like a unit behind its number; else before the first one.
-    for (const int left : {client.right - m_edgePx - size.widthPx, client.left + m_edgePx}) {
+    // Behind the last label like a unit behind its number, and as far from the edge as "dB " with its blank; else closer
+    // to the edge; else before the first label.
+    const int atEdge = client.right - m_edgePx - size.widthPx;
+    const int inset = unit.back() == ' ' ? 0 : m_blankPx;
+    for (const int left : {atEdge - inset, atEdge, client.left + m_edgePx}) {
       rect.left = left;
       rect.right = left + size.widthPx;
       const Rect box = textBox(unit, rect);
@@ -76,15 +82,20 @@ class Placement {
     }
   }
 
-  /// In the strip's top corner, else in its bottom corner, where no label is in the way. A unit costs labels only where
-  /// most of them stay, and otherwise gives way itself.
+  /// Above the column of numbers, else in the strip's top corner, else in its bottom corner, where no label is in the
+  /// way. A unit costs labels only where most of them stay, and otherwise gives way itself.
   void addVerticalUnit() {
     if (!yStripShown()) return;
     const Rect strip = yStrip();
     const Size size = m_measure.measure(verticalUnit);
-    Rect rect{strip.right - m_edgePx - size.widthPx, strip.top + 1, strip.right - m_edgePx,
-              strip.top + 1 + size.heightPx};
-    if (rect.left < strip.left + 1 || rect.bottom > strip.bottom) return;
+    const auto atTop = [&](int right) {
+      return Rect{right - size.widthPx, strip.top + 1, right, strip.top + 1 + size.heightPx};
+    };
+    const Rect corner = atTop(strip.right - m_edgePx);
+    if (corner.left < strip.left + 1 || corner.bottom > strip.bottom) return;
+    // Its blank hangs over, so that its letters end where the numbers do.
+    Rect rect = m_unitAboveNumbers ? atTop(std::min(m_numbersRight + m_blankPx, corner.right)) : corner;
+    if (rect.left < strip.left + 1 || touchesAnother(rect)) rect = corner;
     if (touchesAnother(rect)) {
       Rect atBottom = rect;
       atBottom.bottom = strip.bottom - 1;
@@ -105,40 +116,31 @@ class Placement {
   void addVerticalLabels() {
     m_firstVerticalLabel = static_cast<std::ptrdiff_t>(m_texts.size());
     if (!yStripShown() || m_layout.yDivisionCount < 1) return;
-    const int count = std::min(m_layout.yDivisionCount, maxVerticalLabels);
-    const int stride = rowStride(count);
-
-    std::array<Row, maxVerticalLabels> rows;
+    const int count = std::min(m_layout.yDivisionCount, maxScaleDivisions);
+    std::array<Row, maxScaleDivisions> rows;
     int rowCount = 0;
     int columnWidthPx = 0;
-    const auto add = [&](int k) {
-      if (std::optional<Row> row = rowAt(k, count)) {
-        columnWidthPx = std::max(columnWidthPx, row->size.widthPx);
-        rows[static_cast<std::size_t>(rowCount++)] = std::move(*row);
-      }
-    };
-    // From the edges to the centre in the mirrored view, so that both halves lose the same labels.
-    if (readsAsSpectrum(m_settings.visualizationType)) {
-      for (int k = stride; k <= count; k += stride) add(k);
-    } else {
-      for (int k = stride; 2 * k <= count + 1; k += stride) {
-        const bool centreLine = 2 * k == count + 1;
-        if (!centreLine && rowsTouch(count + 1 - 2 * k, count)) break;
-        add(k);
-        if (!centreLine) add(count + 1 - k);
-      }
+    int highestTop = std::numeric_limits<int>::max();
+    for (const int k : labelledDivisions(divisionsOf(count), distances())) {
+      std::optional<Row> row = rowAt(k, count);
+      if (!row) continue;
+      columnWidthPx = std::max(columnWidthPx, row->size.widthPx);
+      highestTop = std::min(highestTop, row->top);
+      rows[static_cast<std::size_t>(rowCount++)] = std::move(*row);
     }
-    if (rowCount == 0) add((count + 1) / 2);  // one alone has no neighbour to touch
 
+    // The numbers stand near the plot, and where the unit text has no room above them as close to it as it needs to fit
+    // beside them.
     const Rect strip = yStrip();
-    // The numbers stand near the plot, and as close to it as the unit text needs to fit beside them.
-    const int unitWidthPx = m_measure.measure(verticalUnit).widthPx + m_edgePx;
-    const int besideUnitPx = strip.width() - columnWidthPx - unitWidthPx - m_gapPx;
-    const int padPx = std::clamp(besideUnitPx, 1, std::max(1, m_layout.textHeightPx / 3));
-    const int columnRight = strip.left + padPx + columnWidthPx;
+    const Size unit = m_measure.measure(verticalUnit);
+    m_unitAboveNumbers = highestTop >= strip.top + 1 + unit.heightPx + m_gapPx;
+    const int besideUnitPx = strip.width() - columnWidthPx - unit.widthPx - m_edgePx - m_gapPx;
+    const int nearPlotPx = std::max(1, m_layout.textHeightPx / 3);
+    const int padPx = m_unitAboveNumbers ? nearPlotPx : std::clamp(besideUnitPx, 1, nearPlotPx);
+    m_numbersRight = strip.left + padPx + columnWidthPx;
     for (int i = 0; i < rowCount; ++i) {
       Row& row = rows[static_cast<std::size_t>(i)];
-      const Rect rect{columnRight - row.size.widthPx, row.top, columnRight, row.bottom};
+      const Rect rect{m_numbersRight - row.size.widthPx, row.top, m_numbersRight, row.bottom};
       if (rect.left < strip.left + 1 || rect.right > strip.right - 1 || rect.top < strip.top ||
           rect.bottom > strip.bottom || touchesAnother(rect)) {
         continue;
@@ -178,25 +180,27 @@ class Placement {
                        [&](const TextRun& other) { return touch(box, textBox(other.text, other.rect), m_gapPx); });
   }
 
-  bool rowsTouch(int stride, int count) const {
-    return std::int64_t{stride} * m_layout.plotHeight < m_rowPitchPx * (count + 1);
+  ScaleDivisions divisionsOf(int count) const {
+    const double heightPx = static_cast<double>(m_layout.plotHeight) / (count + 1);
+    return {count, heightPx, stepDb(count), topEdgeDb(), mirrored()};
   }
 
-  /// Every how many divisions there is room for a label: the divisions may lie closer than texts are high.
-  int rowStride(int count) const {
-    int stride = 1;
-    while (stride <= count && rowsTouch(stride, count)) ++stride;
-    return stride;
+  /// High plots get a score of labels, not a hundred.
+  LabelDistances distances() const {
+    return {static_cast<double>(m_rowPitchPx), std::max(1.75 * m_layout.textHeightPx, m_layout.plotHeight / 20.0)};
+  }
+
+  bool mirrored() const { return !readsAsSpectrum(m_settings.visualizationType); }
+  double topEdgeDb() const { return m_settings.scaleYMin * m_settings.dynamicRangeDb / 100; }
+  double stepDb(int count) const {
+    const double span = static_cast<double>(m_settings.scaleYMax) - m_settings.scaleYMin;
+    return span * m_settings.dynamicRangeDb / 100 / (count + 1) * (mirrored() ? 2 : 1);
   }
 
   /// The k-th label, centred where the pointer reads its value. Empty when rows are so coarse that no place is true.
   std::optional<Row> rowAt(int k, int count) const {
-    const bool mirrored = !readsAsSpectrum(m_settings.visualizationType);
-    const double rangeDb = m_settings.dynamicRangeDb;
-    const double span = static_cast<double>(m_settings.scaleYMax) - m_settings.scaleYMin;
-    const double step = span * rangeDb / 100 / (count + 1) * (mirrored ? 2 : 1);
-    const int fromEdge = mirrored ? std::min(k, count + 1 - k) : k;
-    const std::int64_t value = -std::int64_t{truncToInt(fromEdge * step + m_settings.scaleYMin * rangeDb / 100 + 0.5)};
+    const int fromEdge = mirrored() ? std::min(k, count + 1 - k) : k;
+    const std::int64_t value = -std::int64_t{truncToInt(fromEdge * stepDb(count) + topEdgeDb() + 0.5)};
 
     Row row;
     row.text = decimal(value);
@@ -233,8 +237,11 @@ class Placement {
   Argb m_colour;
   int m_gapPx;
   int m_edgePx;  ///< keeps unit texts off the border at the side
-  std::int64_t m_rowPitchPx;
+  int m_rowPitchPx;
+  int m_blankPx;  ///< width of a blank
   std::ptrdiff_t m_firstVerticalLabel = 0;
+  bool m_unitAboveNumbers = false;
+  int m_numbersRight = 0;  ///< where the numbers of the vertical scale end
 };
 
 }  // namespace

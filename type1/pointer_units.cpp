@@ -22,13 +22,14 @@ int xValueAt(const ViewSettings& settings, std::uint32_t sampleRateHz, const Vie
 int yValueAt(const ViewSettings& settings, const ViewLayout& layout, double y) {
   const double plotHeight = settings.scaleXVisible ? static_cast<double>(layout.client.height()) - layout.xScaleHeightPx
                                                    : layout.client.height();
-  const double topDb = settings.scaleYMax * settings.dynamicRangeDb / 100;
+  const double rangeDb = settings.dynamicRangeDb;  // once: a block may be replacing it
+  const double topDb = settings.scaleYMax * rangeDb / 100;
   const double span = (static_cast<double>(settings.scaleYMax) - settings.scaleYMin) / 100;
   if (readsAsSpectrum(settings.visualizationType)) {
-    return truncToInt(span * settings.dynamicRangeDb * (plotHeight - y) / plotHeight - topDb + 0.5);
+    return truncToInt(span * rangeDb * (plotHeight - y) / plotHeight - topDb + 0.5);
   }
   // The halves of the plot read alike: 0 at both edges, the floor at the centre line.
-  return truncToInt(2 * span * settings.dynamicRangeDb * std::fabs(plotHeight * 0.5 - y) / plotHeight - topDb + 0.5);
+  return truncToInt(2 * span * rangeDb * std::fabs(plotHeight * 0.5 - y) / plotHeight - topDb + 0.5);
 }
 
 PointerValue pointerValueAt(const ViewSettings& settings, std::uint32_t sampleRateHz, const ViewLayout& layout,

@@ -22,6 +22,12 @@ constexpr bool readsAsSpectrum(int visualizationType) noexcept {
   return visualizationType >= 2 && visualizationType <= 6;
 }
 
+/// Whether a move to `position` is worth an event: not over the scale strips, nor right of and below them. Left of and
+/// above the plot, where only hosts that capture the mouse themselves see the pointer, it is. Without a layout it is not.
+constexpr bool reportsMovesAt(const ViewLayout& layout, Point position) noexcept {
+  return position.x < layout.plotWidth && position.y < layout.plotHeight;
+}
+
 /// The value under `x`, in pixels from the client area's left edge; positions outside the plot are answered too.
 /// Saturates where the value leaves the range of int; a plot without width reads a limit, or 0 at its own edge.
 int xValueAt(const ViewSettings& settings, std::uint32_t sampleRateHz, const ViewLayout& layout, int x);

@@ -2,7 +2,9 @@
 
 #include "type1/settings.h"
 
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -19,6 +21,16 @@ struct ViewSignal {
   std::array<std::span<const double>, maxChannels> analysis{};
   /// Per channel the smoothed copy that spectrum views draw while smoothing is on.
   std::array<std::span<const double>, maxChannels> display{};
+
+  /// Channels that can hold an array.
+  std::size_t channelsInUse() const noexcept {
+    return static_cast<std::size_t>(std::clamp(channelCount, 0, maxChannels));
+  }
+
+  /// The levels of a channel that spectrum views draw.
+  std::span<const double> spectrum(std::size_t channel, const ViewSettings& settings) const noexcept {
+    return settings.visualizationSmooth ? display[channel] : analysis[channel];
+  }
 };
 
 }  // namespace av::type1

@@ -14,15 +14,31 @@ using namespace Gdiplus::DllExports;
 static_assert(sizeof(Point) == sizeof(GpPoint) && std::is_standard_layout_v<Point> && sizeof(int) == sizeof(INT));
 static_assert(offsetof(Point, x) == offsetof(GpPoint, X) && offsetof(Point, y) == offsetof(GpPoint, Y));
 
+namespace {
+
+/// Whether a blit is a column of a bar spectrum: the whole of its image in one pixel's width, inside the picture.
+bool isColumn(const ImageBlit& blit, const PreparedImage& image, Size picture) noexcept {
+  return blit.from == Rect{0, 0, image.size().widthPx, image.size().heightPx} && blit.to.width() == 1 &&
+         blit.to.left >= 0 && blit.to.right <= picture.widthPx && blit.to.top >= 0 &&
+         blit.to.bottom <= picture.heightPx;
+}
+
+}  // namespace
+
 void FramePainter::release() noexcept {
   m_pen.reset();
   m_textBrush.reset();
   m_format.reset();
+  m_columns.release();
 }
 
 GpPen* FramePainter::pen(Argb colour) noexcept {
-  if (!m_pen) m_pen = createPen(colour, 1.0f);
-  if (!m_pen || GdipSetPenColor(m_pen.get(), colour) != Ok) return nullptr;
+  if (!m_pen) {
+    m_pen = createPen(colour, 1.0f);
+  } else if (colour != m_penColour && GdipSetPenColor(m_pen.get(), colour) != Ok) {
+    return nullptr;
+  }
+  m_penColour = colour;
   return m_pen.get();
 }
 
@@ -76,6 +92,29 @@ bool FramePainter::draw(std::span<const TextRun> texts, const GpFont* font) noex
                        m_textBrush.get()) != Ok) {
       return false;
     }
+  }
+  return true;
+}
+
+bool FramePainter::draw(std::span<const ImageBlit> blits, std::span<const PreparedImage> images) noexcept {
+  if (!m_surface.graphics()) return blits.empty();
+  const PreparedImage* columnImage = nullptr;
+  int columnBottom = 0;
+  for (const ImageBlit& blit : blits) {
+    if (blit.to.isEmpty() || blit.image < 0 || static_cast<std::size_t>(blit.image) >= images.size()) continue;
+    const PreparedImage& image = images[static_cast<std::size_t>(blit.image)];
+    if (image.size() == Size{}) continue;
+    if (blit.flipped) return false;
+    if (!isColumn(blit, image, m_surface.size())) {
+      if (!image.draw(m_surface, blit.from, blit.to)) return false;
+      continue;
+    }
+    if (columnImage != &image || columnBottom != blit.to.bottom) {
+      columnImage = &image;
+      columnBottom = blit.to.bottom;
+      m_columns.begin(m_surface, image, columnBottom);
+    }
+    if (!m_columns.draw(blit.to.left, blit.to.top)) return false;
   }
   return true;
 }

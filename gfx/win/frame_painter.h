@@ -1,7 +1,9 @@
 #pragma once
 
 #include "gfx/frame_parts.h"
+#include "gfx/win/column_cache.h"
 #include "gfx/win/offscreen.h"
+#include "gfx/win/prepared_image.h"
 
 #include <span>
 
@@ -22,6 +24,11 @@ class FramePainter {
   /// Texts in `font`; without a font there is nothing to draw and that is no failure.
   bool draw(std::span<const TextRun> texts, const Gdiplus::GpFont* font) noexcept;
 
+  /// Parts of `images`, which the blits number; what shows an image that is empty or not there is left out. Columns one
+  /// pixel wide that show a whole image, as bar spectra are made of, are drawn from memory after their first time.
+  /// Flipped blits are refused: GDI+ would flip them by a negative height, which loses a row.
+  bool draw(std::span<const ImageBlit> blits, std::span<const PreparedImage> images) noexcept;
+
   /// Lets the GDI+ objects go; the next use makes them anew.
   void release() noexcept;
 
@@ -30,8 +37,10 @@ class FramePainter {
 
   OffscreenSurface& m_surface;
   PenHandle m_pen;
+  Argb m_penColour = opaqueBlack;
   SolidBrushHandle m_textBrush;
   StringFormatHandle m_format;
+  ColumnCache m_columns;
 };
 
 }  // namespace av

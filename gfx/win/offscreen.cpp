@@ -83,7 +83,9 @@ bool OffscreenSurface::resize(Size size) noexcept {
 }
 
 std::span<Argb> OffscreenSurface::pixels() noexcept {
-  GdiFlush();  // GDI may still hold calls back that touch the shared memory
+  // Both may still hold calls back that touch the shared memory.
+  if (m_graphics) GdipFlush(m_graphics.get(), FlushIntentionSync);
+  GdiFlush();
   return {m_pixels, static_cast<std::size_t>(m_size.widthPx) * static_cast<std::size_t>(m_size.heightPx)};
 }
 

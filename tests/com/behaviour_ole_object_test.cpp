@@ -19,7 +19,7 @@ class PoorSite final : public IOleClientSite, public IOleInPlaceSite {
   HRESULT onWindow = S_OK;
   HRESULT onContext = S_OK;
   HWND parent = nullptr;
-  int activations = 0, deactivations = 0;
+  int activations = 0, deactivations = 0, saves = 0;
 
   STDMETHODIMP QueryInterface(REFIID iid, void** object) override {
     *object = nullptr;
@@ -31,7 +31,10 @@ class PoorSite final : public IOleClientSite, public IOleInPlaceSite {
   }
   STDMETHODIMP_(ULONG) AddRef() override { return ++references; }
   STDMETHODIMP_(ULONG) Release() override { return --references; }
-  STDMETHODIMP SaveObject() override { return S_OK; }
+  STDMETHODIMP SaveObject() override {
+    ++saves;
+    return S_OK;
+  }
   STDMETHODIMP GetMoniker(DWORD, DWORD, IMoniker**) override { return E_NOTIMPL; }
   STDMETHODIMP GetContainer(IOleContainer**) override { return E_NOINTERFACE; }
   STDMETHODIMP ShowObject() override { return S_OK; }
@@ -108,6 +111,83 @@ TEST_P(OleObjectAnswers, ClosingAndUnsitingTwiceSucceeds) {
   }
 }
 
+TEST_P(OleObjectAnswers, WithoutASinkThereIsNothingToEnumerate) {
+  auto* connections = reinterpret_cast<IEnumSTATDATA*>(this);
+  EXPECT_EQ(S_OK, m_control->EnumAdvise(&connections));
+  EXPECT_EQ(nullptr, connections);
+}
+
+TEST_P(OleObjectAnswers, AspectsAndFormsOfNamesThatDoNotExistHaveAnswersToo) {
+  DWORD status = 77;
+  EXPECT_EQ(S_OK, m_control->GetMiscStatus(99, &status));
+  EXPECT_EQ(0u, status);
+  LPOLESTR full = nullptr, other = nullptr;
+  EXPECT_EQ(S_OK, m_control->GetUserType(USERCLASSTYPE_FULL, &full));
+  EXPECT_EQ(S_OK, m_control->GetUserType(99, &other));
+  EXPECT_STREQ(full, other);
+  CoTaskMemFree(full);
+  CoTaskMemFree(other);
+}
+
+TEST_P(OleObjectAnswers, AnUnknownSaveOptionSavesWhatIsDirty) {
+  PoorSite site;
+  ASSERT_EQ(S_OK, m_control->SetClientSite(&site));
+  EXPECT_EQ(S_OK, m_control->Close(99));
+  EXPECT_EQ(0, site.saves);
+  SIZEL size{1234, 2345};
+  ASSERT_EQ(S_OK, m_control->SetExtent(DVASPECT_CONTENT, &size));
+  EXPECT_EQ(S_OK, m_control->Close(99));
+  EXPECT_EQ(1, site.saves);
+  EXPECT_EQ(S_OK, m_control->SetClientSite(nullptr));
+  EXPECT_EQ(1u, site.references);
+}
+
+TEST_P(OleObjectAnswers, VerbsAskTheirOwnSiteAndLookAtNoOtherArgument) {
+  ASSERT_EQ(S_OK, m_container.open({.title = L"test", .clientSizePx = {200, 100}}));
+  ASSERT_EQ(S_OK, m_container.host(m_control.Get()));
+  ASSERT_EQ(S_OK, as<IOleInPlaceObject>()->InPlaceDeactivate());
+  PoorSite other;
+  const RECT elsewhere{300, 300, 301, 301};
+  EXPECT_EQ(S_OK, m_control->DoVerb(OLEIVERB_SHOW, nullptr, &other, 77, GetDesktopWindow(), &elsewhere));
+  EXPECT_EQ(1u, other.references);
+  const HWND window = m_container.controlWindow();
+  ASSERT_TRUE(window);
+  EXPECT_EQ(m_container.window(), GetParent(window));
+  RECT client{};
+  GetClientRect(window, &client);
+  EXPECT_EQ(200, client.right);
+  EXPECT_EQ(100, client.bottom);
+}
+
+TEST_P(OleObjectAnswers, AnInactiveControlIsHiddenAlready) {
+  PoorSite site;
+  site.offersInPlaceSite = true;
+  ASSERT_EQ(S_OK, m_control->SetClientSite(&site));
+  for (const LONG verb : {OLEIVERB_HIDE, OLEIVERB_DISCARDUNDOSTATE})
+    EXPECT_EQ(S_OK, m_control->DoVerb(verb, nullptr, &site, 0, nullptr, nullptr));
+  EXPECT_EQ(0, site.activations);
+  EXPECT_EQ(S_OK, m_control->SetClientSite(nullptr));
+  EXPECT_EQ(1u, site.references);
+}
+
+TEST_P(OleObjectAnswers, RectanglesWithoutAreaLeaveAWindowWithoutArea) {
+  ASSERT_EQ(S_OK, m_container.open({.title = L"test", .clientSizePx = {200, 100}}));
+  ASSERT_EQ(S_OK, m_container.host(m_control.Get()));
+  const auto inPlace = as<IOleInPlaceObject>();
+  const RECT whole{0, 0, 200, 100};
+  RECT client{};
+  for (const RECT& rect : {RECT{20, 10, 20, 10}, RECT{50, 60, 40, 20}}) {
+    EXPECT_EQ(S_OK, inPlace->SetObjectRects(&rect, &whole));
+    GetClientRect(m_container.controlWindow(), &client);
+    // The view asks for the smallest size that it can use, and this container grants it.
+    EXPECT_EQ(GetParam() == 1 ? 80 : 0, client.right);
+    EXPECT_EQ(GetParam() == 1 ? 50 : 0, client.bottom);
+  }
+  EXPECT_EQ(S_OK, inPlace->SetObjectRects(&whole, &whole));
+  GetClientRect(m_container.controlWindow(), &client);
+  EXPECT_EQ(200, client.right);
+}
+
 TEST_P(OleObjectAnswers, SitesThatRefuseInPlaceActivationLeaveTheControlInactive) {
   ASSERT_EQ(S_OK, m_container.open({.title = L"test", .clientSizePx = {200, 200}}));
   const struct {
@@ -162,6 +242,8 @@ TEST_P(OleObjectAnswers, TheInPlaceInterfacesRefuseNullsAndKnowNoUndo) {
   EXPECT_EQ(INPLACE_E_NOTUNDOABLE, inPlace->ReactivateAndUndo());
   EXPECT_EQ(S_OK, inPlace->UIDeactivate());
   EXPECT_EQ(S_FALSE, active->TranslateAccelerator(nullptr));
+  EXPECT_EQ(S_OK, active->OnDocWindowActivate(FALSE));
+  EXPECT_EQ(S_OK, active->ResizeBorder(nullptr, nullptr, TRUE));
 }
 
 TEST_P(OleObjectAnswers, TheControlInterfaceRefusesNullsAndBearsStrayCalls) {

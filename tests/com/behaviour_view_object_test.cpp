@@ -4,6 +4,8 @@
 
 #include <ocidl.h>
 
+#include <cstdint>
+
 namespace av::test {
 namespace {
 
@@ -39,6 +41,26 @@ TEST_P(ViewObjectAnswers, DrawingNeedsATargetARectangleAndTheContentAspect) {
 TEST_P(ViewObjectAnswers, EmptyTinyAndUpsideDownRectanglesAreDrawnAsFarAsTheyGo) {
   const RECTL rects[] = {{5, 5, 5, 5}, {5, 5, 6, 6}, {0, 0, 40, 0}, {40, 30, 0, 0}, {-100, -100, -50, -50}};
   for (const RECTL& rect : rects) EXPECT_EQ(S_OK, draw(DVASPECT_CONTENT, &rect));
+}
+
+TEST_P(ViewObjectAnswers, PartsDevicesAndWindowsAreNotLookedAt) {
+  HDC screen = GetDC(nullptr);
+  HDC memory = CreateCompatibleDC(screen);
+  HBITMAP bitmap = CreateCompatibleBitmap(screen, 40, 30);
+  ReleaseDC(nullptr, screen);
+  HGDIOBJ old = SelectObject(memory, bitmap);
+  const auto view = as<IViewObjectEx>();
+  const RECTL bounds{0, 0, 40, 30};
+  void* const wild = reinterpret_cast<void*>(std::uintptr_t{0xDEAD0});
+  EXPECT_EQ(S_OK, view->Draw(DVASPECT_CONTENT, 77, wild, static_cast<DVTARGETDEVICE*>(wild), static_cast<HDC>(wild),
+                             memory, &bounds, static_cast<RECTL*>(wild), nullptr, 77));
+  EXPECT_EQ(RGB(0, 0, 0), GetPixel(memory, 2, 2));
+  SIZEL size{};
+  EXPECT_EQ(S_OK, view->GetExtent(DVASPECT_CONTENT, 77, static_cast<DVTARGETDEVICE*>(wild), &size));
+  EXPECT_TRUE(extent() == size);
+  SelectObject(memory, old);
+  DeleteObject(bitmap);
+  DeleteDC(memory);
 }
 
 TEST_P(ViewObjectAnswers, NullOutPointersAreRefused) {

@@ -6,6 +6,8 @@
 #include "host/control_classes.h"
 #include "host/talk_test.h"
 
+#include <olectl.h>
+
 #include <tuple>
 
 namespace av::test {
@@ -201,6 +203,29 @@ TEST_P(TalkOf, ADirtyControlIsNotSavedAgainstTheContainersWill) {
   m_container.log.take();
   ASSERT_EQ(S_OK, m_container.close(OLECLOSE_NOSAVE));
   EXPECT_TRUE(agree(closing, m_container.log.take()));
+  EXPECT_EQ(0u, m_container.releaseControl());
+  EXPECT_TRUE(isLeftAlone(m_container));
+}
+
+/// The pictures come from the control's own properties; what the container would like is not even asked.
+TEST_P(TalkOf, AmbientPropertiesMayChangeAndFail) {
+  m_container.log.answer("IDispatch::Invoke", E_FAIL);
+  m_container.log.answer("IDispatch::GetIDsOfNames", E_FAIL);
+  ASSERT_NO_FATAL_FAILURE(giveAndSite(m_container, classId()));
+  const auto change = [&] {
+    ComPtr<IOleControl> control;
+    ASSERT_EQ(S_OK, m_container.control()->QueryInterface(IID_PPV_ARGS(&control)));
+    for (const DISPID ambient :
+         {DISPID_UNKNOWN, DISPID_AMBIENT_BACKCOLOR, DISPID_AMBIENT_FORECOLOR, DISPID_AMBIENT_FONT,
+          DISPID_AMBIENT_LOCALEID, DISPID_AMBIENT_USERMODE, DISPID_AMBIENT_UIDEAD, DISPID_AMBIENT_RIGHTTOLEFT, 4711})
+      EXPECT_EQ(S_OK, control->OnAmbientPropertyChange(ambient));
+  };
+  ASSERT_NO_FATAL_FAILURE(change());
+  EXPECT_TRUE(agree(silence, m_container.log.take()));
+  ASSERT_EQ(S_OK, m_container.doVerb(OLEIVERB_UIACTIVATE));
+  EXPECT_TRUE(agree(entering(site()) + enteringUserInterface(site(), true, true) + showing, m_container.log.take()));
+  ASSERT_NO_FATAL_FAILURE(change());
+  EXPECT_TRUE(agree(silence, m_container.log.take()));
   EXPECT_EQ(0u, m_container.releaseControl());
   EXPECT_TRUE(isLeftAlone(m_container));
 }

@@ -197,7 +197,8 @@ TEST_F(Demo, AnswersEveryFileThatIsNoRecordingWithOneLineAndExitCode2) {
 }
 
 TEST_F(Demo, RefusesACommandLineThatMakesNoSense) {
-  for (const wchar_t* arguments : {L"--size 3x3", L"--size large", L"--out", L"--no-such-option"}) {
+  for (const wchar_t* arguments :
+       {L"--size 3x3", L"--size large", L"--out", L"--no-such-option", L"--look", L"--look no-such-look"}) {
     const Outcome outcome = runDemo(folder, arguments);
     EXPECT_EQ(2u, outcome.exitCode);
     EXPECT_EQ(1, linesIn(outcome.errors)) << outcome.errors;
@@ -206,7 +207,9 @@ TEST_F(Demo, RefusesACommandLineThatMakesNoSense) {
 
 TEST_F(Demo, DrawsWaveformAndSpectrumOfARecordingWithANonAsciiName) {
   writeFile(folder / L"H\u00F6he \u03C3.wav", sineFile(2, 16));
-  const Outcome outcome = runDemo(folder, L"--out pictures --size 400x240 \"H\u00F6he \u03C3.wav\"");
+  const Outcome outcome = runDemo(
+      folder,
+      L"--out pictures --size 400x240 --look waveform --look spectrum --look spectrum-dark \"H\u00F6he \u03C3.wav\"");
   EXPECT_EQ(0u, outcome.exitCode);
   EXPECT_EQ("", outcome.errors);
   const fs::path stem = folder / L"pictures" / L"H\u00F6he \u03C3-";
@@ -225,15 +228,15 @@ TEST_F(Demo, DrawsWaveformAndSpectrumOfARecordingWithANonAsciiName) {
   EXPECT_GT(spectrum.count(0xFFFF00), 200) << "a curve from edge to edge";
   EXPECT_NE(waveform.colours, spectrum.colours);
 
-  const Picture coloured = loadPicture(stem.wstring() + L"spectrum-colours" + end);
+  const Picture coloured = loadPicture(stem.wstring() + L"spectrum-dark" + end);
   EXPECT_EQ(0, coloured.count(0xFFFF00));
-  EXPECT_GT(coloured.count(0xFFAA5C), 200) << "the host's own line colour";
-  EXPECT_EQ(4, picturesIn(folder / L"pictures"));
+  EXPECT_GT(coloured.count(0xFFA657), 200) << "the host's own line colour";
+  EXPECT_EQ(3, picturesIn(folder / L"pictures"));
 }
 
 TEST_F(Demo, DrawsEighteenChannelsOf24Bits) {
   writeFile(folder / L"wide.wav", sineFile(18, 24));
-  const Outcome outcome = runDemo(folder, L"--size 400x240 wide.wav");
+  const Outcome outcome = runDemo(folder, L"--size 400x240 --look waveform wide.wav");
   EXPECT_EQ(0u, outcome.exitCode) << outcome.errors;
   // The last channels are black by default and drawn last.
   const Picture waveform = loadPicture((folder / L"wide-waveform").wstring() + dpiSuffix() + L".png");
@@ -241,12 +244,24 @@ TEST_F(Demo, DrawsEighteenChannelsOf24Bits) {
   EXPECT_GT(waveform.count(0xA9A9A9), 300) << "grid";
 }
 
+TEST_F(Demo, DrawsEveryViewInEveryThemeWithoutBeingAsked) {
+  writeFile(folder / L"all.wav", sineFile(2, 16));
+  const Outcome outcome = runDemo(folder, L"all.wav");
+  EXPECT_EQ(0u, outcome.exitCode) << outcome.errors;
+  EXPECT_EQ(19, picturesIn(folder));
+  for (const wchar_t* look :
+       {L"waveform", L"spectrum", L"octaves", L"bars-3", L"bars-4", L"bars-5", L"xy-6", L"xy-7"}) {
+    const Picture picture = loadPicture((folder / L"all-").wstring() + look + dpiSuffix() + L".png");
+    EXPECT_GT(picture.colours.size(), 2u) << std::filesystem::path(look).string();
+  }
+}
+
 TEST_F(Demo, GoesOnAfterABadFile) {
   writeFile(folder / L"good.wav", sineFile(1, 8));
-  const Outcome outcome = runDemo(folder, L"--size 200x120 missing.wav good.wav");
+  const Outcome outcome = runDemo(folder, L"--size 200x120 --look waveform --look xy-7 missing.wav good.wav");
   EXPECT_EQ(2u, outcome.exitCode);
   EXPECT_EQ(1, linesIn(outcome.errors)) << outcome.errors;
-  EXPECT_EQ(4, picturesIn(folder));
+  EXPECT_EQ(2, picturesIn(folder));
 }
 
 }  // namespace

@@ -79,11 +79,15 @@ class ErrorTexts : public DllTest {
   ComPtr<IAudioVisualization4Type1> m_view;
 };
 
-TEST_F(ErrorTexts, AreDeclaredForTheDualInterface) {
+// Callers look for a text only where it is declared, by the interface that they called.
+TEST_F(ErrorTexts, AreDeclaredForTheDualInterfacesOnly) {
   ComPtr<ISupportErrorInfo> support;
   ASSERT_EQ(S_OK, m_view.As(&support));
   EXPECT_EQ(S_OK, support->InterfaceSupportsErrorInfo(IID_IAudioVisualization4Type1));
-  EXPECT_EQ(S_FALSE, support->InterfaceSupportsErrorInfo(IID_IOleObject));
+  EXPECT_EQ(S_OK, support->InterfaceSupportsErrorInfo(IID_IAudioVisualizationTemplate));
+  for (const IID& iid : {IID_IUnknown, IID_IDispatch, IID_IOleObject, IID_IViewObject, IID_IPersistStreamInit,
+                         IID_IAudioVisualization4Type2, GUID_NULL})
+    EXPECT_EQ(S_FALSE, support->InterfaceSupportsErrorInfo(iid));
 }
 
 TEST_F(ErrorTexts, SayWhichChannelsThereAre) {

@@ -2,6 +2,7 @@
 
 #include "com/persistence_fixture.h"
 #include "host/container.h"
+#include "host/recording_container.h"
 
 namespace av::test {
 namespace {
@@ -50,6 +51,36 @@ TEST_P(ViewSize, AHundredByFortyEndsAtAHundredByFifty) {
   expectPlace({0, 0, 100, 50});
 }
 
+TEST_P(ViewSize, SixtyByAHundredEndsAtEightyByAHundred) {
+  give({5, 6, 65, 106});
+  expectPlace({5, 6, 85, 106});
+}
+
+TEST_P(ViewSize, OnePixelMissingIsTooSmallOnEitherSide) {
+  give({0, 0, 79, 50});
+  expectPlace({0, 0, 80, 50});
+  give({0, 0, 80, 49});
+  expectPlace({0, 0, 80, 50});
+  give({0, 0, 0, 0});
+  expectPlace({0, 0, 80, 50});
+}
+
+/// A host that moves the window itself is asked for room at the window's new place.
+TEST_P(ViewSize, GrowsFromWhereItsWindowWasMovedTo) {
+  give({10, 20, 210, 120});
+  ASSERT_TRUE(MoveWindow(m_container.controlWindow(), 33, 44, 200, 100, TRUE));
+  ASSERT_TRUE(SetWindowPos(m_container.controlWindow(), nullptr, 0, 0, 60, 40, SWP_NOMOVE | SWP_NOZORDER));
+  expectPlace({33, 44, 113, 94});
+  ASSERT_TRUE(MoveWindow(m_container.controlWindow(), -7, -8, 30, 200, TRUE));  // both at once
+  expectPlace({-7, -8, 73, 192});
+}
+
+TEST_P(ViewSize, TheMessagesOwnSizeIsWhatCounts) {
+  give({10, 20, 210, 120});
+  SendMessageW(m_container.controlWindow(), WM_SIZE, SIZE_RESTORED, MAKELPARAM(100, 40));
+  expectPlace({10, 20, 110, 70});
+}
+
 TEST_P(ViewSize, EightyByFiftyIsLargeEnough) {
   give({3, 4, 83, 54});
   expectPlace({3, 4, 83, 54});
@@ -78,6 +109,22 @@ TEST_P(ViewFromTheStart, ASmallPlaceGrowsOnActivation) {
   EXPECT_EQ(300, client.right);
   EXPECT_EQ(50, client.bottom);
   EXPECT_EQ(0u, container.close());
+}
+
+TEST_P(ViewFromTheStart, AnInactiveOneAsksNobody) {
+  RecordingContainer container({.controlSize = {60, 40}});
+  ComPtr<IOleObject> control = m_object;
+  container.take(std::move(control));
+  ASSERT_EQ(S_OK, container.site());
+  EXPECT_EQ(E_UNEXPECTED, container.resize({30, 20})) << "it has no place yet";
+  ASSERT_EQ(S_OK, container.doVerb(OLEIVERB_SHOW));
+  EXPECT_EQ(1, container.log.count("IOleInPlaceSite::OnPosRectChange"));
+  ASSERT_EQ(S_OK, container.inPlaceDeactivate());
+  EXPECT_EQ(E_UNEXPECTED, container.resize({30, 20}));
+  EXPECT_EQ(1, container.log.count("IOleInPlaceSite::OnPosRectChange"));
+  ASSERT_EQ(S_OK, container.unsite());
+  container.releaseControl();
+  EXPECT_TRUE(isLeftAlone(container));
 }
 
 INSTANTIATE_TEST_SUITE_P(Type, ViewFromTheStart, testing::Values(1));

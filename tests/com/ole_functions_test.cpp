@@ -1,13 +1,12 @@
 // The helper functions of the OLE library, as applications call them on any embedded object.
 
 #include "host/manifest_test.h"
+#include "support/win/memory_picture.h"
 
 #include <ocidl.h>
 #include <ole2.h>
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 namespace av::test {
 namespace {
@@ -18,43 +17,6 @@ struct ControlClass {
 };
 
 void PrintTo(const ControlClass& controlClass, std::ostream* out) { *out << controlClass.name; }
-
-/// A 32-bit picture in memory that GDI draws into.
-class MemoryPicture {
- public:
-  MemoryPicture(int width, int height) : m_count(static_cast<std::size_t>(width * height)) {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    m_bitmap = CreateDIBSection(m_context, &info, DIB_RGB_COLORS, &m_bits, nullptr, 0);
-    m_old = SelectObject(m_context, m_bitmap);
-    const RECT all{0, 0, width, height};
-    FillRect(m_context, &all, static_cast<HBRUSH>(GetStockObject(WHITE_BRUSH)));
-  }
-  ~MemoryPicture() {
-    SelectObject(m_context, m_old);
-    DeleteObject(m_bitmap);
-    DeleteDC(m_context);
-  }
-  MemoryPicture(const MemoryPicture&) = delete;
-  MemoryPicture& operator=(const MemoryPicture&) = delete;
-
-  HDC context() const { return m_context; }
-  /// 0x00RRGGBB, top row first.
-  std::vector<std::uint32_t> pixels() const {
-    GdiFlush();
-    const auto* first = static_cast<const std::uint32_t*>(m_bits);
-    std::vector<std::uint32_t> copy(first, first + m_count);
-    for (std::uint32_t& pixel : copy) pixel &= 0xFFFFFF;
-    return copy;
-  }
-
- private:
-  std::size_t m_count;
-  HDC m_context = CreateCompatibleDC(nullptr);
-  HBITMAP m_bitmap = nullptr;
-  HGDIOBJ m_old = nullptr;
-  void* m_bits = nullptr;
-};
 
 class OleFunctions : public ManifestTest, public testing::WithParamInterface<ControlClass> {
  protected:

@@ -157,6 +157,19 @@ TEST_P(BagPersistence, ClearsTheDirtyFlagOnlyWhenAskedAndSaved) {
   EXPECT_EQ(S_FALSE, stream->IsDirty());
 }
 
+TEST_P(BagPersistence, MayBeLoadedAndInitialisedAgain) {
+  for (const LONG width : {7000L, 8000L}) {
+    m_bag.set(L"_cx", VT_UI4, width);
+    m_bag.set(L"_cy", VT_UI4, 3000);
+    ASSERT_EQ(S_OK, m_persist->Load(&m_bag, nullptr));
+    expectExtent(width, 3000);
+  }
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(S_OK, m_persist->InitNew());
+    expectExtent(8000, 3000);
+  }
+}
+
 TEST_P(BagPersistence, NullPointersAreRefused) {
   EXPECT_EQ(E_POINTER, m_persist->Load(nullptr, &m_log));
   EXPECT_EQ(E_POINTER, m_persist->Save(nullptr, TRUE, TRUE));

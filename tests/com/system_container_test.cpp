@@ -64,10 +64,10 @@ class SystemContainerTest : public ManifestTest {
   void TearDown() override {
     DestroyWindow(m_frame);
     ManifestTest::TearDown();
-    // The container starts OLE for itself and never ends it; the next test expects a thread without.
+    // Each container starts OLE for itself and never ends it; the next test expects a thread without.
     APTTYPE apartment{};
     APTTYPEQUALIFIER qualifier{};
-    if (CoGetApartmentType(&apartment, &qualifier) == S_OK && apartment != APTTYPE_MTA) OleUninitialize();
+    while (CoGetApartmentType(&apartment, &qualifier) == S_OK && apartment != APTTYPE_MTA) OleUninitialize();
   }
 
   /// `title`: what the container is to create; empty for a container without a control.

@@ -77,6 +77,23 @@ TEST_P(AWindowlessControl, TakesAWindowWhereTheSiteSaysNo) {
   EXPECT_EQ(2, m_site->deactivations);
 }
 
+TEST_P(AWindowlessControl, TakesAWindowWhereTheSiteCannotBeToldOtherwise) {
+  m_site->hidesExtended = true;
+  ASSERT_EQ(S_OK, doVerb(OLEIVERB_SHOW));
+  EXPECT_TRUE(IsWindow(ownWindow()));
+  ASSERT_EQ(S_OK, m_inPlace->InPlaceDeactivate());
+}
+
+TEST_P(AWindowlessControl, IsNotUiActiveIfTheSiteFailsTheNotice) {
+  m_site->uiActivationAnswer = E_ACCESSDENIED;
+  EXPECT_EQ(E_ACCESSDENIED, doVerb(OLEIVERB_UIACTIVATE));
+  EXPECT_FALSE(m_site->focus);
+  m_site->uiActivationAnswer = S_OK;
+  EXPECT_EQ(S_OK, doVerb(OLEIVERB_UIACTIVATE));
+  EXPECT_EQ(2, m_site->uiActivations);
+  EXPECT_TRUE(m_site->focus);
+}
+
 TEST_P(AWindowlessControl, IsDrawnByTheContainerAtItsPlace) {
   m_site->rect = {10, 20, 110, 80};
   ComPtr<IViewObject> view = face<IViewObject>();
@@ -195,6 +212,48 @@ TEST_P(AWindowlessControl, MayBeReleasedWhileActive) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Type, AWindowlessControl, testing::Values(1, 3));
+
+/// The same sites, which this time say no.
+class AWindowedControl : public Windowless {
+ protected:
+  void SetUp() override {
+    Windowless::SetUp();
+    m_site->windowlessAnswer = S_FALSE;
+  }
+};
+
+TEST_P(AWindowedControl, IsClippedFromItsActivationOn) {
+  m_site->rect = {10, 20, 210, 140};
+  m_site->visible = {60, 40, 160, 100};
+  ASSERT_EQ(S_OK, doVerb(OLEIVERB_SHOW));
+  const HRGN region = CreateRectRgn(0, 0, 0, 0);
+  EXPECT_EQ(SIMPLEREGION, GetWindowRgn(ownWindow(), region));
+  RECT box{};
+  GetRgnBox(region, &box);
+  const RECT expected{50, 20, 150, 80};
+  EXPECT_TRUE(EqualRect(&expected, &box));
+  // The whole of it again, as when a container scrolls.
+  ASSERT_EQ(S_OK, m_inPlace->SetObjectRects(&m_site->rect, &m_site->rect));
+  EXPECT_EQ(ERROR, GetWindowRgn(ownWindow(), region));
+  DeleteObject(region);
+}
+
+TEST_P(AWindowedControl, IsNotDrawnAnewWhereTheContainerShowsItsPicture) {
+  for (const BOOL shown : {TRUE, FALSE}) {
+    m_site->showsPicture = shown;
+    ASSERT_EQ(S_OK, doVerb(OLEIVERB_SHOW));
+    EXPECT_EQ(!shown, GetUpdateRect(ownWindow(), nullptr, FALSE));
+    ASSERT_EQ(S_OK, m_inPlace->InPlaceDeactivate());
+  }
+}
+
+TEST_P(AWindowedControl, AsksOnceForMoreRoomWhenItIsActivated) {
+  m_site->rect = {10, 20, 70, 60};
+  ASSERT_EQ(S_OK, doVerb(OLEIVERB_SHOW));
+  EXPECT_EQ(GetParam() == 1 ? 1 : 0, m_site->positionRequests);
+}
+
+INSTANTIATE_TEST_SUITE_P(Type, AWindowedControl, testing::Values(1, 2, 3));
 
 class TheLevelMeter : public Windowless {};
 

@@ -2,6 +2,7 @@
 
 #include <objidl.h>
 #include <ocidl.h>
+#include <windowsx.h>
 
 namespace av::test {
 
@@ -23,6 +24,7 @@ LONG himetric(LONG pixels, int capability) {
 RecordingContainer::RecordingContainer(const Traits& traits) : m_traits(traits) {
   WNDCLASSEXW windowClass{};
   windowClass.cbSize = sizeof windowClass;
+  windowClass.style = CS_DBLCLKS;
   windowClass.lpfnWndProc = windowProcedure;
   windowClass.hInstance = GetModuleHandleW(nullptr);
   windowClass.hbrBackground = GetSysColorBrush(COLOR_BTNFACE);
@@ -176,7 +178,19 @@ LRESULT CALLBACK RecordingContainer::windowProcedure(HWND window, UINT message, 
     EndPaint(window, &paint);
     return 0;
   }
+  LRESULT result = 0;
+  if (self && self->forwardMouse(message, wParam, lParam, &result)) return result;
   return DefWindowProcW(window, message, wParam, lParam);
+}
+
+bool RecordingContainer::forwardMouse(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result) {
+  const bool pointer = message >= WM_MOUSEFIRST && message <= WM_MOUSELAST;
+  // Wheel messages count from the screen's corner and have no business in these tests.
+  if (!pointer || message == WM_MOUSEWHEEL || message == WM_MOUSEHWHEEL || !m_windowlessActive || !m_control)
+    return false;
+  if (!PtInRect(&m_rect, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)})) return false;
+  ComPtr<IOleInPlaceObjectWindowless> object;
+  return SUCCEEDED(m_control.As(&object)) && object->OnWindowMessage(message, wParam, lParam, result) == S_OK;
 }
 
 testing::AssertionResult isLeftAlone(const RecordingContainer& container) {

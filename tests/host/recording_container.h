@@ -84,6 +84,8 @@ class RecordingContainer {
   HRESULT saveControl();
   void focusControl(bool focus);
   RECT clientRect() const;
+  /// Passes mouse messages over the windowless control's rectangle on to it; true when it has handled one.
+  bool forwardMouse(UINT message, WPARAM wParam, LPARAM lParam, LRESULT* result);
 
   static LRESULT CALLBACK windowProcedure(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
 

@@ -47,6 +47,11 @@ class Summary(unittest.TestCase):
         self.assertEqual(code, 0)
         self.assertIn("100% tests passed, 0 tests failed out of 3\n", output)
 
+    def test_counts_the_tests_of_another_display(self):
+        code, output = self.run_summary({"picture.dpi192": "run"}, {"picture.dpi192": SHARE.format(two="")})
+        self.assertEqual(code, 0)
+        self.assertIn("0 tests failed out of 2\n", output)
+
     def test_names_a_failed_test_of_a_share(self):
         code, output = self.run_summary({"unit.shard0": "fail"},
                                         {"unit.shard0": SHARE.format(two="<failure/>")})

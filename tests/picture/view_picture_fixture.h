@@ -4,11 +4,13 @@
 #include "host/container.h"
 #include "host/dll_test.h"
 #include "host/window_picture.h"
+#include "picture/bar_reference.h"
 #include "support/view_model.h"
 
 #include <cmath>
 #include <cstdint>
 #include <numbers>
+#include <optional>
 #include <random>
 #include <sstream>
 #include <string>
@@ -61,12 +63,17 @@ class ViewPictures : public DllTest {
     ASSERT_TRUE(m_view);
     m_model.textHeightPx = defaultScaleTextHeightPx();
     ASSERT_GT(m_model.textHeightPx, 0);
+    m_bars.emplace(m_library.module());
+    m_model.drawBars = [this](Canvas& canvas, int type, const std::vector<BarColumn>& columns, int bottom) {
+      m_bars->draw(canvas, type, columns, bottom);
+    };
   }
 
   void TearDown() override {
     EXPECT_EQ(0u, m_container.close());
     if (m_frame) DestroyWindow(m_frame);
     EXPECT_EQ(0u, m_view ? m_view.Reset() : 0u);
+    m_bars.reset();
     DllTest::TearDown();
   }
 
@@ -107,6 +114,23 @@ class ViewPictures : public DllTest {
   void putType(int type) {
     ASSERT_EQ(S_OK, m_view->put_VisualizationType(type));
     m_model.putType(type);
+  }
+  void putAxis(int viewType) {
+    ASSERT_EQ(S_OK, m_view->put_FFTViewType(viewType));
+    m_model.viewType = viewType;
+    m_model.layout();
+  }
+  void putBorder(int type, std::uint32_t rgb) {
+    ASSERT_EQ(S_OK, m_view->put_BorderType(type));
+    ASSERT_EQ(S_OK, m_view->put_BorderColor((rgb & 0xFF) << 16 | (rgb & 0xFF00) | rgb >> 16));
+    m_model.borderType = type;
+    m_model.border = rgb;
+  }
+  void resize(int width, int height) {
+    ASSERT_EQ(S_OK, m_container.resize({width, height}));
+    m_model.width = width;
+    m_model.height = height;
+    m_model.layout();
   }
   void putScaleY(int lowest, int highest) {
     ASSERT_EQ(S_OK, m_view->put_ScaleYMin(lowest));
@@ -166,6 +190,7 @@ class ViewPictures : public DllTest {
   avhost::Container m_container;
   ComPtr<IAudioVisualization4Type1> m_view;
   ViewModel m_model;
+  std::optional<BarReference> m_bars;
 };
 
 }  // namespace av::test

@@ -1,9 +1,11 @@
 // Entry point of every Windows test program. Crashes are printed and end the program with a code of their
-// own, since a debugger that attaches by itself would hide them.
+// own, since a debugger that attaches by itself would hide them. A test that leaves COM running on its thread fails,
+// and not the next one of the same process.
 
 #include <windows.h>
 
 #include <gmock/gmock.h>
+#include <objbase.h>
 
 #include <cstdio>
 
@@ -17,10 +19,21 @@ LONG WINAPI reportCrash(EXCEPTION_POINTERS* info) {
   return EXCEPTION_EXECUTE_HANDLER;
 }
 
+class ComIsEnded final : public testing::EmptyTestEventListener {
+  void OnTestEnd(const testing::TestInfo&) override {
+    APTTYPE apartment{};
+    APTTYPEQUALIFIER qualifier{};
+    // A thread without COM of its own belongs to the multi-threaded apartment while another thread is in that one.
+    if (CoGetApartmentType(&apartment, &qualifier) == S_OK && qualifier != APTTYPEQUALIFIER_IMPLICIT_MTA)
+      ADD_FAILURE() << "the test leaves COM running on this thread";
+  }
+};
+
 }  // namespace
 
 int wmain(int argc, wchar_t** argv) {
   SetUnhandledExceptionFilter(reportCrash);
   testing::InitGoogleMock(&argc, argv);
+  testing::UnitTest::GetInstance()->listeners().Append(new ComIsEnded);
   return RUN_ALL_TESTS();
 }

@@ -75,14 +75,8 @@ STDMETHODIMP CAudioVisualization4Type1::_OnTimer() {
 
 void CAudioVisualization4Type1::activationVerbDone() { m_timer.Start(repaintPeriodMs); }
 
-bool CAudioVisualization4Type1::handleMessage(UINT message, WPARAM, LPARAM, LRESULT& result) {
-  if (message != WM_ERASEBKGND) return false;
-  result = 0;
-  return true;
-}
-
-void CAudioVisualization4Type1::resized() {
-  growToMinimumSize();
+void CAudioVisualization4Type1::resized(SIZE client) {
+  growToMinimumSize({client.cx, client.cy});
   try {
     layoutWindow();
   } catch (const std::bad_alloc&) {
@@ -90,11 +84,10 @@ void CAudioVisualization4Type1::resized() {
   }
 }
 
-void CAudioVisualization4Type1::growToMinimumSize() {
-  const auto client = clientSize();
+void CAudioVisualization4Type1::growToMinimumSize(Size client) {
   // A container that answers with another small rectangle has decided.
-  if (!client || m_growing) return;
-  const auto grown = grownSize({client->cx, client->cy});
+  if (m_growing) return;
+  const auto grown = grownSize(client);
   if (!grown) return;
   const RECT now = inPlace().position();
   m_growing = true;

@@ -6,6 +6,7 @@
 #include "ole/control.h"
 #include "ole/dispatch.h"
 #include "type1/analysis.h"
+#include "type1/pointer_units.h"
 #include "type1/settings.h"
 #include "type1/win/view_picture.h"
 
@@ -79,7 +80,7 @@ class CAudioVisualization4Type1 final : public ole::Control, public ole::Dual<IA
  private:
   void draw(HDC target, const RECT& bounds) override;
   void activationVerbDone() override;
-  void resized() override;
+  void resized(SIZE client) override;
   bool handleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
   REFIID dispatchInterfaceId() const noexcept override { return IID_IAudioVisualization4Type1; }
   void* findInterface(REFIID iid) noexcept override;
@@ -96,8 +97,16 @@ class CAudioVisualization4Type1 final : public ole::Control, public ole::Dual<IA
 
   void pushBlock(IUnknown* audioData);
   /// Asks the container for more room when there is less than scales and curves can use.
-  void growToMinimumSize();
+  void growToMinimumSize(Size client);
   void layoutWindow();
+
+  // The mouse, see mouse.cpp. Positions count from the client area's corner.
+  struct PointerReading {
+    PointerValue value;
+    bool reportsMove = false;
+  };
+  PointerReading readingAt(Point position);
+  void fireAt(DISPID event, Point position, PointerValue value);
 
   bool m_growing = false;  // waits for the container's answer to a wish for a larger rectangle
   Mutex m_mutex;

@@ -1,11 +1,11 @@
 #include "type1/win/view_picture.h"
 
 #include "gfx/win/scale_font.h"
-#include "type1/win/view_painter.h"
+#include "ole/module_instance.h"
 
 namespace av::type1 {
 
-ViewPicture::ViewPicture() noexcept : m_font(createDefaultScaleFont()) {}
+ViewPicture::ViewPicture() noexcept : m_font(createDefaultScaleFont()), m_painter(m_surface, ole::moduleInstance()) {}
 
 bool ViewPicture::prepare(Size size, FontCheck fontCheck) {
   if (!m_surface.resize(size)) return false;
@@ -39,7 +39,7 @@ void ViewPicture::paint(HDC target, const RECT& bounds, bool inWindow, const Vie
   buildFrame(m_frame, settings, signal,
              windowLayout ? m_layout : computeLayout(settings, signal.sampleRateHz, picture, m_textHeightPx),
              m_measure);
-  if (paintFrame(m_painter, m_frame, m_drawingFont.get())) m_surface.copyTo(target, {bounds.left, bounds.top});
+  if (m_painter.paint(m_frame, m_drawingFont.get())) m_surface.copyTo(target, {bounds.left, bounds.top});
 }
 
 HRESULT ViewPicture::font(IFontDisp** font) const {
@@ -54,6 +54,7 @@ void ViewPicture::exchangeFont(Microsoft::WRL::ComPtr<IFontDisp>& font) noexcept
 
 void ViewPicture::discardDrawingFont() noexcept {
   m_measure.use(nullptr, nullptr);
+  m_painter.forgetFurniture();
   m_drawingFont.reset();
 }
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "gfx/win/frame_painter.h"
 #include "gfx/win/gdiplus_text_measure.h"
 #include "gfx/win/gdiplus_token.h"
 #include "gfx/win/offscreen.h"
 #include "type1/frame.h"
 #include "type1/layout.h"
+#include "type1/win/view_painter.h"
 
 #include <windows.h>
 
@@ -20,12 +20,15 @@ namespace av::type1 {
 /// through. [control thread, or the audio thread that pushes a block; under the drawing lock]
 class ViewPicture {
  public:
-  /// Starts GDI+ for this control and makes the default font.
+  /// Starts GDI+ for this control, makes the default font and loads the gradients of the bar spectra.
   ViewPicture() noexcept;
 
   /// Computes the layout of the control's window, `client` pixels large; below 2 × 2 the old one stays. Takes notice of
   /// a font object whose properties a host has changed since the last time.
   void layout(const ViewSettings& settings, std::uint32_t sampleRateHz, SIZE client);
+
+  /// The layout of the control's window as it was last computed; all 0 before that.
+  const ViewLayout& windowLayout() const noexcept { return m_layout; }
 
   /// Draws the frame of this moment and copies it to `bounds` of `target` in one piece. `inWindow`: into the control's own
   /// window, by the layout that was computed for it; elsewhere the layout is that of the rectangle.
@@ -54,7 +57,7 @@ class ViewPicture {
   LOGFONTW m_fontDescription{};  // what m_drawingFont was made from
   int m_textHeightPx = 0;
   OffscreenSurface m_surface;
-  FramePainter m_painter{m_surface};
+  ViewPainter m_painter;
   GdiplusTextMeasure m_measure;
   Gdiplus::GpGraphics* m_measuredOn = nullptr;
   ViewLayout m_layout;

@@ -11,7 +11,7 @@
 namespace av::test {
 
 /// Takes events by Invoke and remembers them. Lives on the stack: the count starts at 1 and frees nothing.
-class EventSink final : public IDispatch {
+class EventSink : public IDispatch {
  public:
   /// `eventInterface`: what it answers for besides IUnknown and IDispatch.
   explicit EventSink(REFIID eventInterface) : m_eventInterface(eventInterface) {}
@@ -44,7 +44,7 @@ class EventSink final : public IDispatch {
       event.arguments.push_back(V_I4(&argument));
     }
     events.push_back(std::move(event));
-    if (onEvent) onEvent();
+    if (const auto hook = onEvent) hook();  // a copy: it may take itself away
     return answer;
   }
 

@@ -4,8 +4,10 @@
 
 #include <windows.h>
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
+#include <ostream>
 #include <string>
 #include <vector>
 
@@ -79,6 +81,42 @@ inline int spareGdiObjects() {
   while (HBRUSH brush = CreateSolidBrush(RGB(1, 2, 3))) brushes.push_back(brush);
   for (HBRUSH brush : brushes) DeleteObject(brush);
   return static_cast<int>(brushes.size());
+}
+
+/// Thread-local slots that the process could still take; a process has 1,088.
+inline std::size_t spareThreadLocalSlots() {
+  std::vector<DWORD> taken;
+  for (DWORD slot = TlsAlloc(); slot != TLS_OUT_OF_INDEXES; slot = TlsAlloc()) taken.push_back(slot);
+  for (const DWORD slot : taken) TlsFree(slot);
+  return taken.size();
+}
+
+/// What lies in the heaps of this process. Counting allocates nothing.
+struct HeapUse {
+  std::size_t blocks = 0;
+  std::size_t bytes = 0;
+
+  static HeapUse now() {
+    HeapUse use;
+    HANDLE heaps[64];
+    const DWORD count = GetProcessHeaps(ARRAYSIZE(heaps), heaps);
+    for (DWORD i = 0; i < count && i < ARRAYSIZE(heaps); ++i) {
+      HeapLock(heaps[i]);
+      PROCESS_HEAP_ENTRY entry{};
+      while (HeapWalk(heaps[i], &entry)) {
+        if (!(entry.wFlags & PROCESS_HEAP_ENTRY_BUSY)) continue;
+        ++use.blocks;
+        use.bytes += entry.cbData;
+      }
+      HeapUnlock(heaps[i]);
+    }
+    return use;
+  }
+  friend bool operator==(const HeapUse&, const HeapUse&) = default;
+};
+
+inline void PrintTo(const HeapUse& use, std::ostream* out) {
+  *out << use.blocks << " blocks, " << use.bytes << " bytes";
 }
 
 }  // namespace av::test

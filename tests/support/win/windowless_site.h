@@ -17,8 +17,8 @@ class WindowlessSite final : public IOleClientSite, public IOleInPlaceSiteWindow
     *object = nullptr;
     if (iid == IID_IUnknown || iid == IID_IOleClientSite) {
       *object = static_cast<IOleClientSite*>(this);
-    } else if (iid == IID_IOleWindow || iid == IID_IOleInPlaceSite || iid == IID_IOleInPlaceSiteEx ||
-               iid == IID_IOleInPlaceSiteWindowless) {
+    } else if (iid == IID_IOleWindow || iid == IID_IOleInPlaceSite ||
+               (iid == IID_IOleInPlaceSiteEx && !hidesExtended) || iid == IID_IOleInPlaceSiteWindowless) {
       *object = static_cast<IOleInPlaceSiteWindowless*>(this);
     }
     if (*object) AddRef();
@@ -44,21 +44,24 @@ class WindowlessSite final : public IOleClientSite, public IOleInPlaceSiteWindow
   STDMETHODIMP ContextSensitiveHelp(BOOL) override { return S_OK; }
 
   STDMETHODIMP CanInPlaceActivate() override { return S_OK; }
-  STDMETHODIMP OnInPlaceActivate() override { return E_UNEXPECTED; }  // sites like this hear the other one
+  STDMETHODIMP OnInPlaceActivate() override {  // sites like this hear the other one
+    return hidesExtended ? S_OK : E_UNEXPECTED;
+  }
   STDMETHODIMP OnUIActivate() override {
     ++uiActivations;
-    return S_OK;
+    return uiActivationAnswer;
   }
   STDMETHODIMP GetWindowContext(IOleInPlaceFrame** frame, IOleInPlaceUIWindow** document, RECT* position, RECT* clip,
                                 OLEINPLACEFRAMEINFO*) override {
     *frame = nullptr;
     *document = nullptr;
-    *position = *clip = rect;
+    *position = rect;
+    *clip = visible.right ? visible : rect;
     return S_OK;
   }
   STDMETHODIMP Scroll(SIZE) override { return E_NOTIMPL; }
   STDMETHODIMP OnUIDeactivate(BOOL) override { return S_OK; }
-  STDMETHODIMP OnInPlaceDeactivate() override { return E_UNEXPECTED; }
+  STDMETHODIMP OnInPlaceDeactivate() override { return hidesExtended ? S_OK : E_UNEXPECTED; }
   STDMETHODIMP DiscardUndoState() override { return E_NOTIMPL; }
   STDMETHODIMP DeactivateAndUndo() override { return E_NOTIMPL; }
   STDMETHODIMP OnPosRectChange(const RECT* position) override {
@@ -70,7 +73,7 @@ class WindowlessSite final : public IOleClientSite, public IOleInPlaceSiteWindow
   }
 
   STDMETHODIMP OnInPlaceActivateEx(BOOL* noRedraw, DWORD flags) override {
-    *noRedraw = FALSE;
+    *noRedraw = showsPicture;
     activationFlags = flags;
     return activationAnswer;
   }
@@ -103,6 +106,10 @@ class WindowlessSite final : public IOleClientSite, public IOleInPlaceSiteWindow
   STDMETHODIMP OnDefWindowMessage(UINT, WPARAM, LPARAM, LRESULT*) override { return S_FALSE; }
 
   RECT rect{10, 20, 210, 140};
+  RECT visible{};              ///< the clip at activation; without one the whole rectangle
+  bool hidesExtended = false;  ///< answers no IOleInPlaceSiteEx
+  BOOL showsPicture = FALSE;   ///< the container says that the control need not be drawn anew
+  HRESULT uiActivationAnswer = S_OK;
   IOleInPlaceObject* control = nullptr;  ///< not counted; hears of granted positions
   HRESULT windowlessAnswer = S_OK;
   HRESULT activationAnswer = S_OK;

@@ -1,5 +1,6 @@
 #include "type1/frame.h"
 
+#include "support/allocation_count.h"
 #include "support/made_up_font.h"
 
 #include <gtest/gtest.h>
@@ -103,16 +104,40 @@ TEST_F(ViewFrameTest, DividesThePlotByGridLines) {
   EXPECT_EQ((LineSegment{{10, 20 + 356}, {10 + 588, 20 + 356}, settings.gridColor}), frame.grid[25]);
 }
 
-TEST_F(ViewFrameTest, HasTheRulerGridOnlyBelowTypeSixAndWhileItIsVisible) {
+TEST_F(ViewFrameTest, HasTheGridOfItsTypeWhileItIsVisible) {
+  build();
+  const std::vector<LineSegment> ruler = frame.grid;
+  settings.visualizationType = 6;
+  build();
+  const std::vector<LineSegment> cross = frame.grid;
+  EXPECT_EQ(2u + 2u + 4u + 9u, cross.size());
   for (int type = -2; type < 12; ++type) {
     settings.visualizationType = type;
+    settings.gridVisible = -1;
     build();
-    EXPECT_EQ(type < 6, !frame.grid.empty()) << type;
+    if (type >= 2 && type < 6) {
+      EXPECT_FALSE(frame.grid.empty()) << type;  // divided by another scale than the waveform's
+    } else {
+      EXPECT_EQ(type < 6 ? ruler : type < 8 ? cross : std::vector<LineSegment>(), frame.grid) << type;
+    }
+    settings.gridVisible = 0;
+    build();
+    EXPECT_TRUE(frame.grid.empty()) << type;
   }
-  settings.visualizationType = 1;
-  settings.gridVisible = 0;
-  build();
-  EXPECT_TRUE(frame.grid.empty());
+}
+
+TEST_F(ViewFrameTest, ShowsCorrelationsOnlyUnderAnXYGridAndAfterABlock) {
+  for (int type = -2; type < 12; ++type) {
+    for (const bool grid : {true, false}) {
+      for (const bool received : {true, false}) {
+        settings.visualizationType = type;
+        settings.gridVisible = static_cast<std::int16_t>(grid ? -1 : 0);
+        signal.dataReceived = received;
+        build();
+        EXPECT_EQ((type == 6 || type == 7) && grid && received, !frame.correlation.empty()) << type;
+      }
+    }
+  }
 }
 
 TEST_F(ViewFrameTest, DrawsNoCurveBeforeTheFirstBlock) {
@@ -133,10 +158,23 @@ TEST_F(ViewFrameTest, DrawsNoCurveInAPlotWithoutWidth) {
   EXPECT_TRUE(frame.border.lines.empty());
 }
 
-TEST_F(ViewFrameTest, DrawsTheCurveOfTheType) {
-  settings.visualizationType = 1;
-  build();
-  EXPECT_EQ(1025u, frame.curves.lines.at(0).pointCount);
+TEST_F(ViewFrameTest, DrawsWhatBelongsToTheTypeAndNothingElse) {
+  const int types[] = {std::numeric_limits<int>::min(), -1, 0, 1, 2, 3, 4, 5, 6, 7, 8, 9,
+                       std::numeric_limits<int>::max()};
+  samples.assign(1024, -40.0);
+  for (const int type : types) {
+    settings.visualizationType = type;
+    for (const bool received : {true, false}) {
+      signal.dataReceived = received;
+      build();
+      EXPECT_EQ(received && (type == 1 || type == 2 || type == 6), !frame.curves.lines.empty()) << type;
+      EXPECT_EQ(received && type >= 3 && type <= 5, !frame.bars.empty()) << type;
+      EXPECT_EQ(received && type == 7, !frame.balance.empty()) << type;
+    }
+  }
+}
+
+TEST_F(ViewFrameTest, DrawsTheSpectrumOnTheOctaveAxisForAnyAxisButTheFirst) {
   settings.visualizationType = 2;
   build();
   EXPECT_EQ(512u, frame.curves.lines.at(0).pointCount);
@@ -147,32 +185,34 @@ TEST_F(ViewFrameTest, DrawsTheCurveOfTheType) {
   }
 }
 
-TEST_F(ViewFrameTest, DrawsNoCurveForTypesWithoutOne) {
-  for (const int type : {std::numeric_limits<int>::min(), -1, 0, 8, 9, std::numeric_limits<int>::max()}) {
-    settings.visualizationType = type;
-    build();
-    EXPECT_TRUE(frame.curves.lines.empty()) << type;
-  }
-}
-
-TEST_F(ViewFrameTest, RefillsItsVectorsInPlace) {
+TEST_F(ViewFrameTest, AllocatesNothingOnceItHasSeenItsSize) {
+  if (!test::allocationsAreCounted) GTEST_SKIP() << "the sanitizer allocates for itself";
   settings.borderType = 2;
-  build();
-  const void* const before[] = {frame.strips.data(), frame.border.points.data(), frame.labels.data(), frame.grid.data(),
-                                frame.curves.points.data()};
-  const std::size_t labels = frame.labels.size();
-  build();
-  EXPECT_EQ(before[0], frame.strips.data());
-  EXPECT_EQ(before[1], frame.border.points.data());
-  EXPECT_EQ(before[2], frame.labels.data());
-  EXPECT_EQ(before[3], frame.grid.data());
-  EXPECT_EQ(before[4], frame.curves.points.data());
-  EXPECT_EQ(labels, frame.labels.size());
+  const MadeUpFont font(13);
+  for (const int channels : {2, 18}) {
+    signal.channelCount = channels;
+    for (auto& slot : signal.analysis) slot = samples;
+    signal.display = signal.analysis;
+    for (int type = 1; type <= 7; ++type) {
+      for (const int axis : {1, 2}) {
+        settings.visualizationType = type;
+        settings.fftViewType = axis;
+        build();
+        const std::uint64_t before = test::allocationCount();
+        for (int i = 0; i < 3; ++i) buildFrame(frame, settings, signal, layout, font);
+        EXPECT_EQ(before, test::allocationCount()) << type;
+      }
+    }
+  }
+  const std::uint64_t before = test::allocationCount();
+  ViewFrame another;
+  buildFrame(another, settings, signal, layout, font);
+  EXPECT_LT(before, test::allocationCount());
 }
 
-// Nothing to compare with here: the sanitizers watch that no setting leads to undefined arithmetic, and every curve
-// point stays in the plot.
-TEST_F(ViewFrameTest, SurvivesAbsurdSettingsAndKeepsEveryCurveInThePlot) {
+// Nothing to compare with here: the sanitizers watch that no setting leads to undefined arithmetic. Curves over the
+// plot's ruler and bars stay in the plot, correlations in their frame; X-Y curves go where their formula sends them.
+TEST_F(ViewFrameTest, SurvivesAbsurdSettingsAndKeepsCurvesBarsAndMarksInTheirPlaces) {
   std::mt19937 random(99);
   const int limits[] = {0,
                         1,
@@ -220,6 +260,19 @@ TEST_F(ViewFrameTest, SurvivesAbsurdSettingsAndKeepsEveryCurveInThePlot) {
                            {0, 0, static_cast<int>(random() % 900), static_cast<int>(random() % 500)}, textHeight);
     buildFrame(frame, settings, signal, layout, MadeUpFont(textHeight));
     const int axisSlack = settings.fftViewType == 1 || settings.visualizationType == 1 ? 0 : 2;  // octaves: + 2 in w
+    for (const FilledRect& mark : frame.correlation) {
+      ASSERT_GE(mark.rect.left, layout.plotLeft + 7);
+      ASSERT_LE(mark.rect.right, layout.plotLeft + layout.plotWidth - 6);
+      ASSERT_FALSE(mark.rect.isEmpty());
+    }
+    for (const ImageBlit& bar : frame.bars) {
+      ASSERT_FALSE(bar.to.isEmpty());
+      ASSERT_GE(bar.to.left, layout.plotLeft);
+      ASSERT_LE(bar.to.left, layout.plotLeft + layout.plotWidth);
+      ASSERT_GE(bar.to.top, layout.plotTop);
+      ASSERT_EQ(bar.to.bottom, layout.plotTop + layout.plotHeight);
+    }
+    if (settings.visualizationType == 6) continue;
     for (const Point& point : frame.curves.points) {
       ASSERT_GE(point.x, layout.plotLeft);
       ASSERT_LE(point.x, layout.plotLeft + layout.plotWidth + axisSlack);

@@ -4,10 +4,12 @@
 #include "gfx/win/gdiplus_token.h"
 #include "gfx/win/scale_font.h"
 #include "support/line_oracle.h"
+#include "type1/win/resource_ids.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
 #include <random>
 #include <vector>
 
@@ -39,8 +41,17 @@ class FramePainterTest : public testing::Test {
     return box;
   }
 
+  /// Another picture of the same size, for what the platform draws by itself.
+  void openReference(Argb background) {
+    ASSERT_TRUE(reference.resize(surface.size()));
+    reference.clear(background);
+  }
+
+  bool looksLikeTheReference() { return std::ranges::equal(reference.pixels(), surface.pixels()); }
+
   GdiplusToken token;
   OffscreenSurface surface;
+  OffscreenSurface reference;
   FramePainter painter{surface};
 };
 
@@ -62,8 +73,7 @@ TEST_F(FramePainterTest, FillsExactlyTheRectangleWithoutItsRightAndBottom) {
 }
 
 TEST_F(FramePainterTest, FillsTheSamePixelsAsThePlatformClippedAtEveryEdge) {
-  OffscreenSurface reference;
-  ASSERT_TRUE(reference.resize({120, 80}));
+  openReference(white);
   const SolidBrushHandle brush = createSolidBrush(red);
   for (const Rect& rect : {Rect{-5, -5, 10, 10}, Rect{100, 70, 200, 200}, Rect{-10, 30, 500, 31}, Rect{5, 5, 5, 9},
                            Rect{200, 5, 300, 9}, Rect{5, -20, 9, -10}, Rect{0, 0, 120, 80}}) {
@@ -74,7 +84,7 @@ TEST_F(FramePainterTest, FillsTheSamePixelsAsThePlatformClippedAtEveryEdge) {
       ASSERT_EQ(Gdiplus::Ok, Gdiplus::DllExports::GdipFillRectangleI(reference.graphics(), brush.get(), rect.left,
                                                                      rect.top, rect.width(), rect.height()));
     }
-    ASSERT_TRUE(std::ranges::equal(reference.pixels(), surface.pixels())) << rect.left << " " << rect.top;
+    ASSERT_TRUE(looksLikeTheReference()) << rect.left << " " << rect.top;
   }
 }
 
@@ -127,6 +137,50 @@ TEST_F(FramePainterTest, DrawsEachPolylineInItsOwnColour) {
   EXPECT_EQ(green, at(60, 20));
 }
 
+/// Two gradients and one that could not be loaded.
+std::array<PreparedImage, 3> someGradients() {
+  const HINSTANCE module = GetModuleHandleW(nullptr);
+  return {PreparedImage(module, AV_BITMAP_BARS_TYPE3), PreparedImage(module, AV_BITMAP_BARS_TYPE5),
+          PreparedImage(module, 9999)};
+}
+
+TEST_F(FramePainterTest, DrawsPartsOfImagesAsThePlatformDoes) {
+  const auto images = someGradients();
+  ASSERT_EQ((Size{1, 185}), images[0].size());
+  ASSERT_EQ((Size{1, 186}), images[1].size());
+  ASSERT_EQ((Size{}), images[2].size());
+  const Rect whole0{0, 0, 1, 185};
+  const Rect whole1{0, 0, 1, 186};
+  const std::vector<ImageBlit> blits = {
+      {0, whole0, {3, 10, 4, 70}},       {0, whole0, {4, 69, 5, 70}},     {1, whole1, {5, 0, 6, 80}},
+      {1, {0, 3, 1, 99}, {7, 2, 8, 70}},  // a part of the image
+      {0, whole0, {10, 5, 13, 70}},       // wider than a column
+      {1, whole1, {119, 20, 120, 70}},   {1, whole1, {120, 20, 121, 70}}, {0, whole0, {-1, 20, 0, 70}},
+      {0, whole0, {20, -8, 21, 70}},     {0, whole0, {21, 30, 22, 95}},  // cut off above and below
+      {0, whole0, {22, 30, 23, 30}},     {0, whole0, {23, 31, 24, 30}},  // empty
+      {2, whole0, {30, 10, 31, 70}},     {3, whole0, {31, 10, 32, 70}},   {-1, whole0, {32, 10, 33, 70}},
+  };
+  openReference(green);
+  for (const ImageBlit& blit : blits) {
+    if (blit.image != 0 && blit.image != 1) continue;
+    if (blit.to.isEmpty()) continue;
+    ASSERT_TRUE(images[static_cast<std::size_t>(blit.image)].draw(reference, blit.from, blit.to));
+  }
+  for (int round = 0; round < 3; ++round) {  // from the second round on, columns come from memory
+    ASSERT_TRUE(painter.clear(green));
+    ASSERT_TRUE(painter.draw(blits, images));
+    EXPECT_TRUE(looksLikeTheReference()) << round;
+  }
+  EXPECT_NE(green, at(3, 40));
+  EXPECT_EQ(green, at(22, 30));
+  EXPECT_EQ(green, at(30, 40));
+}
+
+TEST_F(FramePainterTest, RefusesToFlipImages) {
+  const auto images = someGradients();
+  EXPECT_FALSE(painter.draw(std::vector<ImageBlit>{{0, {0, 0, 1, 185}, {3, 10, 4, 70}, true}}, images));
+}
+
 TEST_F(FramePainterTest, CentresTextsInTheirRectangle) {
   const FontHandle font = createScaleFont(createDefaultScaleFont().Get());
   ASSERT_TRUE(font);
@@ -172,6 +226,7 @@ TEST_F(FramePainterTest, FailsWithoutAPicture) {
   Polylines lines;
   lines.add(red, 2)[1] = {5, 5};
   EXPECT_FALSE(lost.draw(lines));
+  EXPECT_FALSE(lost.draw(std::vector<ImageBlit>{{0, {0, 0, 1, 185}, {0, 0, 1, 1}}}, someGradients()));
 }
 
 TEST_F(FramePainterTest, DrawsAgainAfterItsObjectsWereReleased) {

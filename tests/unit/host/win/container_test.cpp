@@ -215,6 +215,15 @@ TEST_F(ContainerTest, SitesAfterInitialisationOtherwise) {
   EXPECT_THAT(control.calls, ElementsAre("InitNew", "SetClientSite", "Advise", "SetAdvise", "SetExtent", "DoVerb -5"));
 }
 
+TEST(HimetricFromPixels, IsRoundedToTheNearestHundredthOfAMillimetre) {
+  EXPECT_EQ(0, avhost::himetricFromPixels(0, 96));
+  EXPECT_EQ(26, avhost::himetricFromPixels(1, 96));     // 26.46
+  EXPECT_EQ(2540, avhost::himetricFromPixels(96, 96));  // an inch
+  EXPECT_EQ(8467, avhost::himetricFromPixels(320, 96));
+  EXPECT_EQ(7056, avhost::himetricFromPixels(400, 144));  // 7055.6
+  EXPECT_EQ(4233, avhost::himetricFromPixels(320, 192));
+}
+
 TEST_F(ContainerTest, GivesTheControlTheClientAreaInPixelsAndHimetric) {
   ASSERT_EQ(S_OK, container.host(unknownOf(control)));
   EXPECT_EQ(320, control.positionPx.right);

@@ -104,6 +104,44 @@ TEST_F(Firing, AFailingSinkDoesNotStopTheOthersAndTheLastFailureIsTheAnswer) {
   EXPECT_EQ(1u, third.events.size());
 }
 
+/// By the rules arguments belong to the caller; not every sink keeps to them.
+TEST_F(Firing, ASinkThatOverwritesItsArgumentsDoesNotChangeThoseOfTheOthers) {
+  struct Scribbler final : IDispatch {
+    STDMETHODIMP QueryInterface(REFIID, void** object) override {
+      *object = this;
+      return S_OK;
+    }
+    STDMETHODIMP_(ULONG) AddRef() override { return 1; }
+    STDMETHODIMP_(ULONG) Release() override { return 1; }
+    STDMETHODIMP GetTypeInfoCount(UINT*) override { return E_NOTIMPL; }
+    STDMETHODIMP GetTypeInfo(UINT, LCID, ITypeInfo**) override { return E_NOTIMPL; }
+    STDMETHODIMP GetIDsOfNames(REFIID, LPOLESTR*, UINT, LCID, DISPID*) override { return E_NOTIMPL; }
+    STDMETHODIMP Invoke(DISPID, REFIID, LCID, WORD, DISPPARAMS* parameters, VARIANT* result, EXCEPINFO*,
+                        UINT*) override {
+      for (UINT i = 0; i < parameters->cArgs; ++i) V_VT(&parameters->rgvarg[i]) = VT_EMPTY;
+      parameters->cArgs = 0;
+      V_VT(result) = VT_BSTR;
+      V_BSTR(result) = SysAllocString(L"whatever");
+      return S_OK;
+    }
+  } scribbler;
+  DWORD cookie = 0;
+  ASSERT_EQ(S_OK, m_point->Advise(&scribbler, &cookie));
+  EventSink& sink = makeSink();
+  connect(sink);
+  EXPECT_EQ(S_OK, m_control->fireEvent(2, {10, 20, -30, 40}));
+  ASSERT_EQ(1u, sink.events.size());
+  EXPECT_EQ((EventSink::Event{2, {10, 20, -30, 40}}), sink.events[0]);
+}
+
+TEST_F(Firing, MoreThanEightArgumentsAreRefused) {
+  EventSink& sink = makeSink();
+  connect(sink);
+  EXPECT_EQ(S_OK, m_control->fireEvent(1, {1, 2, 3, 4, 5, 6, 7, 8}));
+  EXPECT_EQ(E_INVALIDARG, m_control->fireEvent(1, {1, 2, 3, 4, 5, 6, 7, 8, 9}));
+  EXPECT_EQ(1u, sink.events.size());
+}
+
 TEST_F(Firing, ASinkMayDisconnectItselfAndOthers) {
   EventSink& first = makeSink();
   EventSink& second = makeSink();

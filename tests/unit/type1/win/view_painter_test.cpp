@@ -51,7 +51,7 @@ class ViewPainterTest : public testing::Test {
     layout = computeLayout(settings, signal.sampleRateHz, {0, 0, width, height},
                            fontHeightPx(font.get(), surface.graphics()));
     buildFrame(frame, settings, signal, layout, measure);
-    ASSERT_TRUE(paintFrame(painter, frame, font.get()));
+    ASSERT_TRUE(painter.paint(frame, font.get()));
   }
 
   /// Two channels of samples: a swelling sine and a slower one of another height.
@@ -112,7 +112,7 @@ class ViewPainterTest : public testing::Test {
 
   GdiplusToken token;
   OffscreenSurface surface;
-  FramePainter painter{surface};
+  ViewPainter painter{surface, GetModuleHandleW(nullptr)};
   GdiplusTextMeasure measure;
   FontHandle font;
   ViewSettings settings;
@@ -239,6 +239,7 @@ Rect inkOf(FramePainter& painter, OffscreenSurface& surface, const TextRun& run,
 }
 
 TEST_F(ViewPainterTest, DrawsNoTwoTextsThatTouchAndNoneOutsideItsStrip) {
+  FramePainter plainPainter(surface);
   int texts = 0;
   for (const double points : {6.0, 9.0, 14.0, 24.0}) {
     setFont(arial(points));
@@ -248,7 +249,7 @@ TEST_F(ViewPainterTest, DrawsNoTwoTextsThatTouchAndNoneOutsideItsStrip) {
         paint(size.widthPx, size.heightPx);
         std::vector<Rect> inks;
         for (const TextRun& run : frame.labels) {
-          const Rect ink = inkOf(painter, surface, run, font.get());
+          const Rect ink = inkOf(plainPainter, surface, run, font.get());
           ASSERT_FALSE(ink.isEmpty()) << run.text;
           const bool inXStrip = ink.top >= size.heightPx - layout.xScaleHeightPx + 1;
           const bool inYStrip = ink.left >= size.widthPx - layout.yScaleWidthPx + 1;
@@ -286,10 +287,22 @@ TEST_F(ViewPainterTest, PaintsPicturesForTheEye) {
   setFont(arial(18));
   paint(640, 400);
   test::savePng(surface, "large_font");
-  settings.fftViewType = 2;
   setFont(createDefaultScaleFont());
-  paint(640, 400);
-  test::savePng(surface, "octaves");
+  for (const int type : {2, 3, 4, 5}) {
+    settings.visualizationType = type;
+    for (const int axis : {1, 2}) {
+      settings.fftViewType = axis;
+      paint(640, 400);
+      test::savePng(surface, "type" + std::to_string(type) + "_axis" + std::to_string(axis));
+      EXPECT_EQ(type > 2, !frame.bars.empty());
+    }
+  }
+  fillWithSamples();
+  for (const int type : {6, 7}) {
+    settings.visualizationType = type;
+    paint(640, 400);
+    test::savePng(surface, "type" + std::to_string(type));
+  }
 }
 
 }  // namespace
