@@ -5,39 +5,86 @@
 #include <olectl.h>
 #include <wrl/client.h>
 
+#include <array>
+
 namespace avdemo {
 
 namespace {
 
-constexpr LONG waveform = 1;
-constexpr LONG spectrum = 2;
+using View = IAudioVisualization4Type1;
+
+constexpr LONG linearAxis = 1;
+constexpr LONG octaveAxis = 2;
 constexpr LONG hannWindow = 3;
 constexpr LONG lineBorder = 1;
 
 void set(HRESULT result) { require(result, L"setting a property of the view"); }
 
-void applyWaveform(IAudioVisualization4Type1& view) { set(view.put_VisualizationType(waveform)); }
+// What is shown.
 
-void applySpectrum(IAudioVisualization4Type1& view) {
+void waveform(View& view) { set(view.put_VisualizationType(1)); }
+
+void spectrum(View& view, LONG type, LONG axis, LONG samples) {
+  set(view.put_FFTWindowSize(samples));
   set(view.put_FFTWindowType(hannWindow));
-  set(view.put_VisualizationType(spectrum));
+  set(view.put_FFTViewType(axis));
+  set(view.put_VisualizationType(type));
 }
+// Short windows leave the linear axis a pixel a line; low octaves need long ones.
+void lines(View& view) { spectrum(view, 2, linearAxis, 1024); }
+void octaves(View& view) { spectrum(view, 2, octaveAxis, 2048); }
+void redBars(View& view) { spectrum(view, 3, linearAxis, 512); }
+void blueBars(View& view) { spectrum(view, 4, linearAxis, 512); }
+void greenBars(View& view) { spectrum(view, 5, linearAxis, 512); }
+void redOctaves(View& view) { spectrum(view, 3, octaveAxis, 4096); }
+void blueOctaves(View& view) { spectrum(view, 4, octaveAxis, 4096); }
+void greenOctaves(View& view) { spectrum(view, 5, octaveAxis, 4096); }
 
-void applyColours(IAudioVisualization4Type1& view) {
-  set(view.put_BackColor(RGB(18, 24, 38)));
-  set(view.put_ScaleColor(RGB(30, 39, 58)));
-  set(view.put_GridColor(RGB(48, 60, 84)));
-  set(view.put_TextColor(RGB(190, 202, 224)));
-  set(view.put_BorderColor(RGB(90, 108, 144)));
+/// The stereo image alone: scales say nothing about it.
+void stereo(View& view, LONG type) {
+  set(view.put_FFTWindowSize(1024));
+  set(view.put_ScaleXVisible(VARIANT_FALSE));
+  set(view.put_ScaleYVisible(VARIANT_FALSE));
+  set(view.put_VisualizationType(type));
+}
+void stereoLine(View& view) { stereo(view, 6); }
+void stereoBalance(View& view) { stereo(view, 7); }
+
+// At 96 DPI. The X-Y views have their square, and the row of the correlation below it.
+constexpr SIZE wide = {480, 270};
+constexpr SIZE square = {300, 315};
+
+// In which colours.
+
+struct Palette {
+  COLORREF back, scale, grid, text, border;
+  std::array<COLORREF, 4> lines;
+};
+
+constexpr Palette midnight = {
+    RGB(13, 17, 23), RGB(22, 27, 34),
+    RGB(48, 56, 67), RGB(173, 184, 197),
+    RGB(48, 56, 66), {RGB(88, 166, 255), RGB(255, 166, 87), RGB(126, 231, 135), RGB(210, 168, 255)}};
+
+constexpr Palette paper = {
+    RGB(255, 255, 255), RGB(246, 248, 250), RGB(216, 222, 229),
+    RGB(82, 92, 105),   RGB(200, 208, 217), {RGB(9, 105, 218), RGB(219, 97, 9), RGB(26, 127, 55), RGB(130, 80, 223)}};
+
+void apply(View& view, const Palette& palette) {
+  set(view.put_BackColor(palette.back));
+  set(view.put_ScaleColor(palette.scale));
+  set(view.put_GridColor(palette.grid));
+  set(view.put_TextColor(palette.text));
+  set(view.put_BorderColor(palette.border));
   set(view.put_BorderType(lineBorder));
-  set(view.put_LineColor(1, RGB(96, 205, 255)));
-  set(view.put_LineColor(2, RGB(255, 170, 92)));
+  LONG channel = 1;
+  for (const COLORREF colour : palette.lines) set(view.put_LineColor(channel++, colour));
 
   FONTDESC description = {};
   description.cbSizeofstruct = sizeof description;
   wchar_t face[] = L"Arial";
   description.lpstrName = face;
-  description.cySize.int64 = 8 * 10000;  // points in a currency value
+  description.cySize.int64 = 7 * 10000;  // points in a currency value
   description.sWeight = FW_NORMAL;
   description.sCharset = DEFAULT_CHARSET;
   Microsoft::WRL::ComPtr<IFontDisp> font;
@@ -45,21 +92,30 @@ void applyColours(IAudioVisualization4Type1& view) {
   set(view.putref_ScaleFont(font.Get()));
 }
 
-void applyColouredWaveform(IAudioVisualization4Type1& view) {
-  applyColours(view);
-  applyWaveform(view);
-}
-
-void applyColouredSpectrum(IAudioVisualization4Type1& view) {
-  applyColours(view);
-  applySpectrum(view);
-}
+void asItComes(View&) {}
+void dark(View& view) { apply(view, midnight); }
+void light(View& view) { apply(view, paper); }
 
 constexpr Look looks[] = {
-    {L"waveform", applyWaveform},
-    {L"spectrum", applySpectrum},
-    {L"waveform-colours", applyColouredWaveform},
-    {L"spectrum-colours", applyColouredSpectrum},
+    {L"waveform", wide, waveform, asItComes},
+    {L"spectrum", wide, lines, asItComes},
+    {L"octaves", wide, octaves, asItComes},
+    {L"bars-3", wide, redBars, asItComes},
+    {L"bars-4", wide, blueBars, asItComes},
+    {L"bars-5", wide, greenBars, asItComes},
+    {L"xy-6", square, stereoLine, asItComes},
+    {L"xy-7", square, stereoBalance, asItComes},
+    {L"waveform-dark", wide, waveform, dark},
+    {L"spectrum-dark", wide, lines, dark},
+    {L"octaves-dark", wide, octaves, dark},
+    {L"bars-4-octaves-dark", wide, blueOctaves, dark},
+    {L"bars-5-octaves-dark", wide, greenOctaves, dark},
+    {L"xy-7-dark", square, stereoBalance, dark},
+    {L"waveform-light", wide, waveform, light},
+    {L"spectrum-light", wide, lines, light},
+    {L"octaves-light", wide, octaves, light},
+    {L"bars-3-octaves-light", wide, redOctaves, light},
+    {L"xy-6-light", square, stereoLine, light},
 };
 
 }  // namespace

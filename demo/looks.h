@@ -5,16 +5,19 @@
 #include <QELAudioVisualization4.h>
 
 #include <span>
+#include <string_view>
 
 namespace avdemo {
 
 /// One picture of a recording: a name that ends its file name, and the properties that make it.
 struct Look {
-  const wchar_t* name;
-  void (*apply)(IAudioVisualization4Type1& view);
+  std::wstring_view name;
+  SIZE sizePx;  ///< that suits it, at 96 DPI
+  void (*shape)(IAudioVisualization4Type1& view);
+  void (*theme)(IAudioVisualization4Type1& view);
 };
 
-/// The control as it comes, and once more in a host's own colours.
+/// Every view of the control as it comes, and in colours of the host's own: a dark and a light theme.
 std::span<const Look> allLooks();
 
 }  // namespace avdemo

@@ -12,6 +12,7 @@
 
 #include <windows.h>
 
+#include <algorithm>
 #include <fstream>
 #include <optional>
 #include <set>
@@ -93,12 +94,14 @@ class Demo {
       throw Failure{L"cannot make the folder " + options.outFolder.wstring()};
   }
 
-  /// Draws every look of a recording.
+  /// Draws every look of a recording that was asked for.
   void draw(const std::wstring& name, const WavRecording& recording) {
     const std::wstring stem = unusedStem(name);
     for (const Look& look : allLooks()) {
+      const auto& wanted = m_options.looks;
+      if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), look.name) == wanted.end()) continue;
       const std::wstring dpi = m_dpi == 96 ? L"" : L"-" + std::to_wstring(m_dpi) + L"dpi";
-      const fs::path file = m_options.outFolder / (stem + L"-" + look.name + dpi + L".png");
+      const fs::path file = m_options.outFolder / (stem + L"-" + std::wstring(look.name) + dpi + L".png");
       drawLook(look, recording, file);
       printLine(STD_OUTPUT_HANDLE, file.wstring());
     }
@@ -108,19 +111,21 @@ class Demo {
   void drawLook(const Look& look, const WavRecording& recording, const fs::path& file) {
     const ComPtr<IAudioVisualization4Type1> view = m_source.create();
     avhost::Container container;
-    require(container.open({.title = look.name, .clientSizePx = sizePx(), .positionPx = {0, 0}}), L"opening a window");
+    require(container.open({.title = look.name.data(), .clientSizePx = sizePx(look), .positionPx = {0, 0}}),
+            L"opening a window");
     require(container.host(view.Get()), L"hosting the view");
     if (!container.controlWindow()) throw Failure{L"the view has no window"};
-    look.apply(*view.Get());
+    look.theme(*view.Get());
+    look.shape(*view.Get());
     playToLoudestBlock(*view.Get(), recording);
     UpdateWindow(container.controlWindow());
     saveWindowPicture(container.controlWindow(), file);
     if (container.close() != 0) throw Failure{L"the view still holds its closed container"};
   }
 
-  SIZE sizePx() const {
+  SIZE sizePx(const Look& look) const {
     if (m_options.sizePx) return *m_options.sizePx;
-    return {MulDiv(480, m_dpi, 96), MulDiv(270, m_dpi, 96)};
+    return {MulDiv(look.sizePx.cx, m_dpi, 96), MulDiv(look.sizePx.cy, m_dpi, 96)};
   }
 
   /// Recordings of the same name in different folders must not overwrite each other's pictures.

@@ -1,26 +1,38 @@
 #include "demo/options.h"
 
 #include "demo/failure.h"
+#include "demo/looks.h"
 
 #include <cwchar>
 
 namespace avdemo {
 
 const wchar_t usage[] =
-    L"avdemo [--out DIR] [--size WxH] [--registered] [WAV...]\n"
+    L"avdemo [--out DIR] [--size WxH] [--look NAME]... [--registered] [WAV...]\n"
     L"Hosts the waveform and spectrum view in a window, plays each recording into it block by block and saves what "
     L"the\n"
-    L"window shows: NAME-waveform.png, NAME-spectrum.png, and both again in other colours. Without a recording it "
+    L"window shows, once for each look: NAME-waveform.png, NAME-spectrum-dark.png and so on. Without a recording it "
     L"plays\n"
     L"a generated tone.\n"
     L"  --out DIR     folder of the pictures (default: the current one)\n"
     L"  --size WxH    size of the control in pixels, 80x50 to 4096x4096\n"
+    L"  --look NAME   only this look, and others that are given in the same way\n"
     L"  --registered  create the control from the registry, not from the library beside the program\n"
     L"Recordings are PCM WAV files: 8, 16, 24 or 32 bits, 1 to 18 channels. Exit codes: 0 done, 1 failure, 2 bad file "
     L"or\n"
     L"command line.\n";
 
 namespace {
+
+std::wstring knownLook(const std::wstring& name) {
+  std::wstring names;
+  for (const Look& look : allLooks()) {
+    if (look.name == name) return name;
+    names += L' ';
+    names += look.name;
+  }
+  throw Failure{L"no look is called \"" + name + L"\"; there are" + names};
+}
 
 SIZE parseSize(const std::wstring& text) {
   SIZE size = {};
@@ -46,6 +58,7 @@ Options parseOptions(int argc, const wchar_t* const* argv) {
     else if (argument == L"--") filesOnly = true;
     else if (argument == L"--out") options.outFolder = value();
     else if (argument == L"--size") options.sizePx = parseSize(value());
+    else if (argument == L"--look") options.looks.push_back(knownLook(value()));
     else if (argument == L"--registered") options.registered = true;
     else if (argument == L"--help" || argument == L"-h") options.help = true;
     else throw Failure{L"unknown option " + argument + L"; --help lists them"};

@@ -11,8 +11,9 @@ namespace avdemo {
 
 struct Options {
   std::filesystem::path outFolder = L".";
-  std::optional<SIZE> sizePx;  ///< of the control; empty: a size that suits the display's DPI
-  bool registered = false;     ///< create the control by its class identifier instead of loading the library beside us
+  std::optional<SIZE> sizePx;       ///< of the control; empty: a size that suits the display's DPI
+  std::vector<std::wstring> looks;  ///< names of the looks to draw; empty: all
+  bool registered = false;  ///< create the control by its class identifier instead of loading the library beside us
   bool help = false;
   std::vector<std::filesystem::path> recordings;
 };
