@@ -32,7 +32,9 @@ class Summary(unittest.TestCase):
             cases = "".join(f'<testcase name="{n}" time="1" status="{s}"/>' for n, s in entries.items())
             (preset / "ctest.xml").write_text(f"<testsuite>{cases}</testsuite>")
             for name, text in shares.items():
-                (preset / "results" / (name + ".xml")).write_text(text)
+                file = preset / "results" / (name + ".xml")
+                file.parent.mkdir(exist_ok=True)
+                file.write_text(text)
             before = os.getcwd()
             os.chdir(folder)
             try:
@@ -46,6 +48,16 @@ class Summary(unittest.TestCase):
                                         {"unit.shard0": SHARE.format(two="")})
         self.assertEqual(code, 0)
         self.assertIn("100% tests passed, 0 tests failed out of 3\n", output)
+
+    def test_a_suite_that_ended_well_without_results_is_a_failure(self):
+        code, output = self.run_summary({"com/A": "run"}, {})
+        self.assertEqual(code, 1)
+        self.assertIn("native: com/A (did not finish)", output)
+
+    def test_counts_the_tests_of_a_suite(self):
+        code, output = self.run_summary({"A": "run", "com/A": "run"}, {"com/A": SHARE.format(two="")})
+        self.assertEqual(code, 0)
+        self.assertIn("0 tests failed out of 3\n", output)
 
     def test_counts_the_tests_of_another_display(self):
         code, output = self.run_summary({"picture.dpi192": "run"}, {"picture.dpi192": SHARE.format(two="")})
