@@ -132,6 +132,7 @@ TEST_F(Firing, ASinkThatOverwritesItsArgumentsDoesNotChangeThoseOfTheOthers) {
   EXPECT_EQ(S_OK, m_control->fireEvent(2, {10, 20, -30, 40}));
   ASSERT_EQ(1u, sink.events.size());
   EXPECT_EQ((EventSink::Event{2, {10, 20, -30, 40}}), sink.events[0]);
+  EXPECT_EQ(S_OK, m_point->Unadvise(cookie));  // the control outlives this function
 }
 
 TEST_F(Firing, MoreThanEightArgumentsAreRefused) {
