@@ -8,9 +8,6 @@
 namespace av::type2 {
 namespace {
 
-/// Wider pens cover every picture.
-constexpr int widestPenPx = 32767;
-
 /// The level as the graph shows it; no number is as low as nothing.
 double shownLevel(double levelDb) noexcept { return levelDb > -levelRangeDb ? std::min(levelDb, 0.0) : -levelRangeDb; }
 
@@ -97,7 +94,9 @@ void addGraph(Polylines& graphs, const MeterSettings& settings, const DrawMode& 
   const std::size_t count = std::min(lines.size(), static_cast<std::size_t>(geometry.lineCount));
   if (geometry.inner.isEmpty() || count < 2) return;
   const std::size_t inserted = mode.kind == DrawMode::Kind::smoothedGraph ? insertedPoints(geometry) : 0;
-  const int widthPx = std::clamp(settings.spotHeightPx, 1, widestPenPx);
+  // Wider pens cover the client rectangle from any point in it, at a cost that grows with their width.
+  const int widestPenPx = 2 * (geometry.client.width() + geometry.client.height());
+  const int widthPx = std::clamp(settings.spotHeightPx, 1, std::max(widestPenPx, 1));
 
   const double height = geometry.barHeightPx();
   const auto add = [&](double baseline, double signedHeight) {

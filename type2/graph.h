@@ -11,8 +11,8 @@
 namespace av::type2 {
 
 /// Appends the graph: where ticks are visible the polyline of the peaks in the high colour, over it that of the values in
-/// the low colour, as wide as a segment is high (at least a pixel); mirrored, both once upward and once downward from the
-/// centre line. Nothing is appended where the inner area is empty.
+/// the low colour, as wide as a segment is high (at least a pixel, at most what covers the control); mirrored, both once
+/// upward and once downward from the centre line. Nothing is appended where the inner area is empty.
 ///
 /// There is one point a line, from the inner area's left edge to its right one; levels stop at its bottom (−91 dB and
 /// less, and values that are no number) and at its top (0 dB and more).

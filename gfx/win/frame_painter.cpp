@@ -2,7 +2,9 @@
 
 #include "gfx/win/ascii_text.h"
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <type_traits>
 
 namespace av {
@@ -23,6 +25,19 @@ bool isColumn(const ImageBlit& blit, const PreparedImage& image, Size picture) n
          blit.to.bottom <= picture.heightPx;
 }
 
+/// Wide lines are drawn in pieces of so many segments. In one go their cost grows with the square of their length: 2.2 s
+/// for 1,600 points on 1600 × 900 pixels, 34 ms in pieces (measured under Wine; the pixels are the same).
+constexpr std::size_t segmentsOfAPiece = 16;
+
+/// False if no line of that width through the points can touch the picture.
+bool comesNear(Size picture, std::span<const Point> points, int widthPx) noexcept {
+  const auto [left, right] = std::ranges::minmax(points, {}, &Point::x);
+  const auto [top, bottom] = std::ranges::minmax(points, {}, &Point::y);
+  const std::int64_t width = widthPx;
+  return left.x - width < picture.widthPx && right.x + width >= 0 && top.y - width < picture.heightPx &&
+         bottom.y + width >= 0;
+}
+
 }  // namespace
 
 void FramePainter::release() noexcept {
@@ -32,13 +47,18 @@ void FramePainter::release() noexcept {
   m_columns.release();
 }
 
-GpPen* FramePainter::pen(Argb colour) noexcept {
+GpPen* FramePainter::pen(Argb colour, int widthPx) noexcept {
+  const int shownPx = std::max(widthPx, 1);
   if (!m_pen) {
-    m_pen = createPen(colour, 1.0f);
-  } else if (colour != m_penColour && GdipSetPenColor(m_pen.get(), colour) != Ok) {
-    return nullptr;
+    m_pen = createPen(colour, static_cast<REAL>(shownPx));
+    // Mitred, a steep peak would reach up to ten widths above its level.
+    if (m_pen && GdipSetPenLineJoin(m_pen.get(), LineJoinRound) != Ok) m_pen.reset();
+  } else if ((colour != m_penColour && GdipSetPenColor(m_pen.get(), colour) != Ok) ||
+             (shownPx != m_penWidthPx && GdipSetPenWidth(m_pen.get(), static_cast<REAL>(shownPx)) != Ok)) {
+    m_pen.reset();  // it may have half of what was asked for
   }
   m_penColour = colour;
+  m_penWidthPx = shownPx;
   return m_pen.get();
 }
 
@@ -51,6 +71,27 @@ bool FramePainter::clear(Argb colour) noexcept {
 bool FramePainter::fill(std::span<const FilledRect> rects) noexcept {
   if (!m_surface.graphics()) return false;
   for (const FilledRect& part : rects) m_surface.fill(part.rect, part.colour);
+  return true;
+}
+
+bool FramePainter::fill(std::span<const ColumnFill> fills, std::span<const PreparedColumn> columns) noexcept {
+  if (!m_surface.graphics()) return false;
+  const Size picture = m_surface.size();
+  const std::span<Argb> pixels = m_surface.pixels();
+  for (const ColumnFill& part : fills) {
+    if (part.column < 0 || static_cast<std::size_t>(part.column) >= columns.size()) continue;
+    const PreparedColumn column = columns[static_cast<std::size_t>(part.column)];
+    const std::int64_t left = std::max(part.rect.left, 0);
+    const std::int64_t right = std::min(part.rect.right, picture.widthPx);
+    if (left >= right) continue;
+    const std::int64_t columnTop = std::int64_t{part.rect.top} - part.firstRow;  // where its row 0 would lie
+    const std::int64_t top = std::max({std::int64_t{part.rect.top}, std::int64_t{0}, columnTop});
+    const std::int64_t bottom = std::min({std::int64_t{part.rect.bottom}, std::int64_t{picture.heightPx},
+                                          columnTop + static_cast<std::int64_t>(column.size())});
+    for (std::int64_t y = top; y < bottom; ++y)
+      std::fill_n(pixels.begin() + y * picture.widthPx + left, right - left,
+                  column[static_cast<std::size_t>(y - columnTop)]);
+  }
   return true;
 }
 
@@ -68,11 +109,27 @@ bool FramePainter::draw(std::span<const LineSegment> lines) noexcept {
 bool FramePainter::draw(const Polylines& lines) noexcept {
   for (const Polyline& line : lines.lines) {
     if (line.pointCount < 2) continue;
-    GpPen* const linePen = pen(line.colour);
-    const auto* const points = reinterpret_cast<const GpPoint*>(lines.pointsOf(line).data());
-    if (!linePen || GdipDrawLinesI(m_surface.graphics(), linePen, points, static_cast<INT>(line.pointCount)) != Ok) {
+    GpPen* const linePen = pen(line.colour, line.widthPx);
+    const std::span<const Point> points = lines.pointsOf(line);
+    if (!linePen || !(line.widthPx > 1 ? drawWide(linePen, points, line.widthPx) : drawLines(linePen, points)))
       return false;
-    }
+  }
+  return true;
+}
+
+bool FramePainter::drawLines(GpPen* linePen, std::span<const Point> points) noexcept {
+  return GdipDrawLinesI(m_surface.graphics(), linePen, reinterpret_cast<const GpPoint*>(points.data()),
+                        static_cast<INT>(points.size())) == Ok;
+}
+
+bool FramePainter::drawWide(GpPen* linePen, std::span<const Point> points, int widthPx) noexcept {
+  const Size picture = m_surface.size();
+  // Two pieces share a segment, so that the second one has the corner between them; the colour is opaque.
+  for (std::size_t first = 0; first + 1 < points.size(); first += segmentsOfAPiece) {
+    const std::size_t begin = first > 0 ? first - 1 : 0;
+    const std::span<const Point> piece =
+        points.subspan(begin, std::min(first + segmentsOfAPiece + 1, points.size()) - begin);
+    if (comesNear(picture, piece, widthPx) && !drawLines(linePen, piece)) return false;
   }
   return true;
 }

@@ -9,6 +9,9 @@
 
 namespace av {
 
+/// The colours of a prepared column from its top row down, opaque.
+using PreparedColumn = std::span<const Argb>;
+
 /// Replays frame parts into an off-screen picture, in the order of the calls. Every operation returns false at its first
 /// failure in GDI+ (out of memory, most of all) and throws nothing; the caller then keeps the previous picture.
 /// Owns GDI+ objects: has to be gone, or released, before the GDI+ token ends.
@@ -19,7 +22,11 @@ class FramePainter {
 
   bool clear(Argb colour) noexcept;
   bool fill(std::span<const FilledRect> rects) noexcept;
+  /// Rows of `columns`, which the fills number, written straight into the picture. What a fill asks for of a column that
+  /// is not there, or beyond its rows, is left as it is.
+  bool fill(std::span<const ColumnFill> fills, std::span<const PreparedColumn> columns) noexcept;
   bool draw(std::span<const LineSegment> lines) noexcept;
+  /// Lines as wide as they say, a pixel at least. Wide ones have round corners.
   bool draw(const Polylines& lines) noexcept;
   /// Texts in `font`; without a font there is nothing to draw and that is no failure.
   bool draw(std::span<const TextRun> texts, const Gdiplus::GpFont* font) noexcept;
@@ -33,11 +40,14 @@ class FramePainter {
   void release() noexcept;
 
  private:
-  Gdiplus::GpPen* pen(Argb colour) noexcept;
+  Gdiplus::GpPen* pen(Argb colour, int widthPx = 1) noexcept;
+  bool drawLines(Gdiplus::GpPen* linePen, std::span<const Point> points) noexcept;
+  bool drawWide(Gdiplus::GpPen* linePen, std::span<const Point> points, int widthPx) noexcept;
 
   OffscreenSurface& m_surface;
   PenHandle m_pen;
   Argb m_penColour = opaqueBlack;
+  int m_penWidthPx = 1;
   SolidBrushHandle m_textBrush;
   StringFormatHandle m_format;
   ColumnCache m_columns;

@@ -63,9 +63,10 @@ TEST_F(MeterGraph, DrawsThePeaksFirstWhereTicksAreVisible) {
   EXPECT_EQ(points(1), (std::vector<Point>{{1, 51}, {50, 61}, {99, 71}}));
 }
 
-TEST_F(MeterGraph, IsAsWideAsASegmentIsHighAndAtLeastAPixel) {
+TEST_F(MeterGraph, IsAsWideAsASegmentIsHighAtLeastAPixelAndAtMostWhatCoversTheControl) {
   setLevels({0, 0, 0});
-  for (const auto& [spotHeight, width] : {std::pair{0, 1}, {1, 1}, {5, 5}, {std::numeric_limits<int>::max(), 32767}}) {
+  for (const auto& [spotHeight, width] :
+       {std::pair{0, 1}, {1, 1}, {5, 5}, {400, 400}, {401, 400}, {std::numeric_limits<int>::max(), 400}}) {
     settings.spotHeightPx = spotHeight;
     build(100, 100);
     EXPECT_EQ(graphs.lines.at(0).widthPx, width);

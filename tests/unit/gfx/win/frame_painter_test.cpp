@@ -10,7 +10,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
+#include <limits>
 #include <random>
+#include <span>
 #include <vector>
 
 namespace av {
@@ -135,6 +138,200 @@ TEST_F(FramePainterTest, DrawsEachPolylineInItsOwnColour) {
   ASSERT_TRUE(painter.draw(lines));
   EXPECT_EQ(red, at(60, 10));
   EXPECT_EQ(green, at(60, 20));
+}
+
+/// Columns as long as the tests' picture is high, no two rows of them alike.
+std::array<std::vector<Argb>, 2> twoColumns(std::size_t rows) {
+  std::array<std::vector<Argb>, 2> columns{std::vector<Argb>(rows), std::vector<Argb>(rows)};
+  for (std::size_t row = 0; row < rows; ++row) {
+    columns[0][row] = 0xFF000000 | static_cast<Argb>(row * 0x10101);
+    columns[1][row] = 0xFF800000 | static_cast<Argb>(row);
+  }
+  return columns;
+}
+
+TEST_F(FramePainterTest, FillsRectanglesWithRowsOfThePreparedColumns) {
+  const auto columns = twoColumns(40);
+  const std::array<PreparedColumn, 2> prepared{columns[0], columns[1]};
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.fill(std::vector<ColumnFill>{{0, 0, {10, 20, 17, 60}}, {1, 30, {12, 50, 15, 60}}}, prepared));
+  for (int y = 0; y < 80; ++y) {
+    for (int x = 0; x < 120; ++x) {
+      Argb expected = white;
+      if (x >= 10 && x < 17 && y >= 20 && y < 60) expected = columns[0][static_cast<std::size_t>(y - 20)];
+      if (x >= 12 && x < 15 && y >= 50 && y < 60) expected = columns[1][static_cast<std::size_t>(y - 50 + 30)];
+      ASSERT_EQ(expected, at(x, y)) << x << ", " << y;
+    }
+  }
+}
+
+TEST_F(FramePainterTest, ClipsColumnsAtThePictureAndAtTheirOwnEnds) {
+  const auto columns = twoColumns(90);
+  const std::array<PreparedColumn, 2> prepared{columns[0], columns[1]};
+  constexpr int lowest = std::numeric_limits<int>::min();
+  constexpr int highest = std::numeric_limits<int>::max();
+  for (const ColumnFill& fill :
+       {ColumnFill{0, 0, {-5, -5, 10, 10}}, ColumnFill{1, 3, {110, 70, 200, 157}},
+        ColumnFill{0, 80, {-10, 30, 500, 60}}, ColumnFill{0, -7, {3, 20, 6, 50}}, ColumnFill{1, 95, {3, 20, 6, 50}},
+        ColumnFill{0, 0, {9, 9, 9, 20}}, ColumnFill{0, 0, {9, 20, 12, 9}}, ColumnFill{0, 0, {200, 0, 300, 20}},
+        ColumnFill{0, 0, {0, 90, 20, 99}}, ColumnFill{1, 0, {lowest, lowest, highest, highest}},
+        ColumnFill{1, highest, {0, lowest, highest, highest}}, ColumnFill{0, lowest, {lowest, 0, highest, highest}},
+        ColumnFill{2, 0, {0, 0, 9, 9}}, ColumnFill{-1, 0, {0, 0, 9, 9}}}) {
+    ASSERT_TRUE(painter.clear(white));
+    ASSERT_TRUE(painter.fill(std::span(&fill, 1), prepared));
+    for (int y = 0; y < 80; ++y) {
+      for (int x = 0; x < 120; ++x) {
+        const Rect& r = fill.rect;
+        const long long row = static_cast<long long>(y) - r.top + fill.firstRow;
+        const bool inside = fill.column >= 0 && fill.column < 2 && x >= r.left && x < r.right && y >= r.top &&
+                            y < r.bottom && row >= 0 && row < 90;
+        const Argb expected =
+            inside ? columns[static_cast<std::size_t>(fill.column)][static_cast<std::size_t>(row)] : white;
+        ASSERT_EQ(expected, at(x, y)) << x << ", " << y << " of " << r.left << " " << r.top << " " << fill.firstRow;
+      }
+    }
+  }
+  ASSERT_TRUE(painter.fill(std::vector<ColumnFill>{{0, 0, {0, 0, 9, 9}}}, {}));
+}
+
+TEST_F(FramePainterTest, FillsNoColumnsWithoutAPicture) {
+  OffscreenSurface none;
+  FramePainter painterOfNothing(none);
+  EXPECT_FALSE(painterOfNothing.fill(std::vector<ColumnFill>{{0, 0, {0, 0, 9, 9}}}, {}));
+}
+
+TEST_F(FramePainterTest, DrawsStraightPolylinesExactlyAsWideAsTheySay) {
+  for (const int width : {2, 3, 4, 7, 20}) {
+    Polylines lines;
+    std::ranges::copy(std::vector<Point>{{-50, 40}, {200, 40}}, lines.add(red, 2, width).begin());
+    ASSERT_TRUE(painter.clear(white));
+    ASSERT_TRUE(painter.draw(lines));
+    const Rect box = inkBox(white);
+    EXPECT_EQ(0, box.left);
+    EXPECT_EQ(120, box.right);
+    EXPECT_EQ(width, box.height());
+    EXPECT_EQ(40 - width / 2, box.top);
+    for (int y = box.top; y < box.bottom; ++y)
+      for (int x = 0; x < 120; ++x) ASSERT_EQ(red, at(x, y)) << width << ": " << x << ", " << y;
+  }
+}
+
+TEST_F(FramePainterTest, DrawsPolylinesOfNoWidthOnePixelWide) {
+  const std::vector<Point> points{{3, 70}, {30, 5}, {60, 60}, {115, 10}};
+  Polylines one;
+  std::ranges::copy(points, one.add(red, points.size()).begin());
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(one));
+  const std::vector<Argb> expected(surface.pixels().begin(), surface.pixels().end());
+  for (const int width : {0, -1, -1000, std::numeric_limits<int>::min()}) {
+    Polylines lines;
+    std::ranges::copy(points, lines.add(red, points.size(), width).begin());
+    ASSERT_TRUE(painter.clear(white));
+    ASSERT_TRUE(painter.draw(lines));
+    EXPECT_TRUE(std::ranges::equal(expected, surface.pixels())) << width;
+  }
+}
+
+/// Where a point lies beside the line between two others.
+struct Beside {
+  double distancePx;  ///< from the line
+  double fromEndsPx;  ///< the closest point of the line, from its nearer end
+};
+
+Beside beside(double x, double y, Point from, Point to) {
+  const double dx = to.x - from.x;
+  const double dy = to.y - from.y;
+  const double length = std::hypot(dx, dy);
+  const double along = length > 0 ? std::clamp(((x - from.x) * dx + (y - from.y) * dy) / length, 0.0, length) : 0.0;
+  const double part = length > 0 ? along / length : 0.0;
+  return {std::hypot(x - from.x - part * dx, y - from.y - part * dy), std::min(along, length - along)};
+}
+
+TEST_F(FramePainterTest, DrawsWidePolylinesAsTheSetOfPixelsCloseToThem) {
+  std::mt19937 random(11);
+  int inside = 0;
+  for (int run = 0; run < 60; ++run) {
+    const int width = 4 + static_cast<int>(random() % 9);
+    Polylines lines;
+    const std::span<Point> points = lines.add(red, 2 + random() % 40, width);
+    for (std::size_t i = 0; i < points.size(); ++i)  // a graph: to the right, with steep peaks
+      points[i] = {10 + static_cast<int>(i) * 100 / static_cast<int>(points.size()), static_cast<int>(random() % 80)};
+    ASSERT_TRUE(painter.clear(white));
+    ASSERT_TRUE(painter.draw(lines));
+    for (int y = 0; y < 80; ++y) {
+      for (int x = 0; x < 120; ++x) {
+        bool has = false;
+        double nearest = 1e9;
+        for (std::size_t i = 1; i < points.size(); ++i) {
+          const Beside place = beside(x, y, points[i - 1], points[i]);
+          nearest = std::min(nearest, place.distancePx);
+          // Some platforms cut corners, and all cut the ends, off.
+          has = has || (place.distancePx < width / 2.0 - 1 && place.fromEndsPx > width);
+        }
+        inside += has;
+        if (has) {
+          ASSERT_EQ(red, at(x, y)) << run << ": " << x << ", " << y;
+        }
+        if (nearest > width / 2.0 + 1) {
+          ASSERT_EQ(white, at(x, y)) << run << ": " << x << ", " << y;
+        }
+      }
+    }
+  }
+  EXPECT_GT(inside, 60 * 500);
+}
+
+TEST_F(FramePainterTest, DrawsLongWideLinesToTheSamePixelsAsThePlatformInOneGo) {
+  std::mt19937 random(12);
+  openReference(white);
+  for (const int width : {2, 3, 5, 12}) {
+    const PenHandle platformPen = createPen(red, static_cast<float>(width));
+    ASSERT_EQ(Gdiplus::Ok, Gdiplus::DllExports::GdipSetPenLineJoin(platformPen.get(), Gdiplus::LineJoinRound));
+    for (const std::size_t count : {2u, 3u, 16u, 17u, 18u, 33u, 34u, 300u}) {
+      Polylines lines;
+      std::vector<Gdiplus::Point> same;
+      for (Point& point : lines.add(red, count, width)) {
+        point = {static_cast<int>(random() % 400) - 140, static_cast<int>(random() % 240) - 80};
+        same.emplace_back(point.x, point.y);
+      }
+      ASSERT_TRUE(painter.clear(white));
+      ASSERT_TRUE(painter.draw(lines));
+      reference.clear(white);
+      ASSERT_EQ(Gdiplus::Ok, Gdiplus::DllExports::GdipDrawLinesI(reference.graphics(), platformPen.get(), same.data(),
+                                                                 static_cast<INT>(count)));
+      ASSERT_TRUE(looksLikeTheReference()) << width << " " << count;
+    }
+  }
+}
+
+TEST_F(FramePainterTest, ReturnsToThinLinesAfterWideOnes) {
+  Polylines lines;
+  std::ranges::copy(std::vector<Point>{{0, 20}, {119, 20}}, lines.add(red, 2, 9).begin());
+  std::ranges::copy(std::vector<Point>{{0, 50}, {119, 50}}, lines.add(red, 2).begin());
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(lines));
+  ASSERT_TRUE(painter.draw(std::vector<LineSegment>{{{0, 60}, {119, 60}, red}}));
+  for (int y = 40; y < 80; ++y) ASSERT_EQ(y == 50 || y == 60 ? red : white, at(60, y)) << y;
+  lines.lines.front().widthPx = 1;
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(lines));
+  for (int y = 0; y < 80; ++y) ASSERT_EQ(y == 20 || y == 50 ? red : white, at(60, y)) << y;
+}
+
+TEST_F(FramePainterTest, TakesLinesThatReachFarBeyondThePictureAndPensWiderThanIt) {
+  Polylines wide;
+  std::ranges::copy(std::vector<Point>{{-40000, 40}, {40000, 40}, {80000, -32767}}, wide.add(red, 3, 32767).begin());
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(wide));
+  for (const Argb pixel : surface.pixels()) ASSERT_EQ(red, pixel);
+
+  Polylines distant;
+  const std::span<Point> points = distant.add(green, 400, 4);
+  for (std::size_t i = 0; i < points.size(); ++i)
+    points[i] = {static_cast<int>(i) * 160 - 32000, i % 2 ? -32767 : 65534};
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(distant));
+  EXPECT_FALSE(inkBox(white).isEmpty());
 }
 
 /// Two gradients and one that could not be loaded.
