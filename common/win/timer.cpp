@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <mutex>
 #include <new>
 #include <utility>
 
@@ -62,9 +63,28 @@ HMODULE referenceThisModule() noexcept {
 struct RepaintTimer::Shared : RepaintWords {
   Shared(const IID& id, WorkerPlatform& system) : dispatchId(id), platform(system) {}
 
-  std::atomic<IStream*> stream{nullptr};  ///< the marshalled tick object, from start until the worker takes it
+  /// The tick object on its way to a worker, from start until the worker takes it: marshalled for it alone, or, with a
+  /// cookie, to be fetched from the table.
+  std::atomic<IStream*> stream{nullptr};
+  std::atomic<bool> fetchPending{false};
+  bool isPending() const noexcept { return stream.load() != nullptr || fetchPending.load(); }
+
+  // Written before the first start and not again: workers read them without a lock.
+  ComPtr<IGlobalInterfaceTable> table;
+  DWORD cookie = 0;  ///< of the tick object in the table; 0: it is not there
+
   const IID dispatchId;
   WorkerPlatform& platform;
+
+  // [repaint worker]
+  ComPtr<IAudioVisualizationTemplate> takeCallback() noexcept {
+    if (IStream* const marshalled = stream.exchange(nullptr)) return unmarshal(marshalled, dispatchId);
+    ComPtr<IAudioVisualizationTemplate> proxy;
+    // Fails when the control has ended in the meantime.
+    if (fetchPending.exchange(false))
+      table->GetInterfaceFromGlobal(cookie, dispatchId, reinterpret_cast<void**>(proxy.GetAddressOf()));
+    return proxy;
+  }
 };
 
 struct RepaintTimer::Worker {
@@ -90,11 +110,46 @@ RepaintTimer::RepaintTimer(IAudioVisualizationTemplate* control, const IID& disp
 
 RepaintTimer::~RepaintTimer() { shutDown(); }
 
+bool RepaintTimer::allowStartOnAnyThread() noexcept {
+  if (m_cutLoose) return false;
+  // Marshalling happens at once, and looks for the interface as it does in Start.
+  if (m_shared->cookie == 0)
+    m_platform.inModuleContext([](void* timer) { static_cast<RepaintTimer*>(timer)->registerTickObject(); }, this);
+  return m_shared->cookie != 0;
+}
+
+void RepaintTimer::registerTickObject() noexcept {
+  ComPtr<IGlobalInterfaceTable> table;
+  if (FAILED(CoCreateInstance(CLSID_StdGlobalInterfaceTable, nullptr, CLSCTX_INPROC_SERVER, IID_PPV_ARGS(&table))) ||
+      !ensureTickObject())
+    return;
+  DWORD cookie = 0;
+  if (FAILED(table->RegisterInterfaceInGlobal(m_tickObject.Get(), m_dispatchId, &cookie))) {
+    CoDisconnectObject(m_tickObject.Get(), 0);  // see marshalTickObject
+    return;
+  }
+  m_shared->table = table;
+  m_shared->cookie = cookie;
+}
+
+void RepaintTimer::revokeTickObject() noexcept {
+  // An apartment that went first has let go of the object already, and the table may answer that it knows nothing.
+  if (m_shared->cookie != 0) m_shared->table->RevokeInterfaceFromGlobal(m_shared->cookie);
+}
+
+bool RepaintTimer::ensureTickObject() noexcept {
+  if (!m_tickObject) m_tickObject = TickObject::create(m_control, m_dispatchId, m_moduleLock);
+  return m_tickObject != nullptr;
+}
+
 std::uint32_t RepaintTimer::Start(std::uint32_t periodMs) noexcept {
+  const std::lock_guard lock(m_lock);
   // A message that is dispatched while Stop waits must not set the flag again that the worker is to see cleared.
   if (m_cutLoose || m_stopping) return 0;
-  const bool canCreate = m_shared->m_bRunning.load(relaxed) == 0 && m_shared->stream.load() == nullptr;
+  const bool canCreate = m_shared->m_bRunning.load(relaxed) == 0 && !m_shared->isPending();
   m_shared->m_nInterval.store(periodMs, relaxed);
+  // What is marshalled on a thread belongs to that thread: its ticks would not reach the control's.
+  if (canCreate && m_shared->cookie == 0 && GetCurrentThreadId() != m_controlThreadId) return 0;
   m_shared->m_bRunning.store(1, relaxed);
   if (!canCreate) return 0;
 
@@ -105,11 +160,16 @@ std::uint32_t RepaintTimer::Start(std::uint32_t periodMs) noexcept {
 
 void RepaintTimer::Stop() noexcept {
   clearRunning();
-  if (m_stopping || !m_youngest) return;
   if (m_tickObject && m_tickObject->insideTick()) return;
-  const std::shared_ptr<Worker> worker = std::move(m_youngest);  // keeps the handle open whatever is dispatched
-  m_stopping = true;
+  std::shared_ptr<Worker> worker;  // keeps the handle open whatever is dispatched
+  {
+    const std::lock_guard lock(m_lock);
+    if (m_stopping || !m_youngest) return;
+    worker = std::move(m_youngest);
+    m_stopping = true;
+  }
   waitForEnd(*worker);
+  const std::lock_guard lock(m_lock);
   m_stopping = false;
   forgetEndedWorkers();
   m_shared->m_bBusy.store(0, relaxed);
@@ -118,16 +178,24 @@ void RepaintTimer::Stop() noexcept {
 void RepaintTimer::clearRunning() noexcept { m_shared->m_bRunning.store(0, relaxed); }
 
 void RepaintTimer::cutLoose() noexcept {
-  m_cutLoose = true;
-  clearRunning();
+  {
+    const std::lock_guard lock(m_lock);
+    m_cutLoose = true;
+    clearRunning();
+  }
   if (m_tickObject) m_tickObject->cutLoose();
 }
 
 void RepaintTimer::shutDown() noexcept {
   cutLoose();
-  if (std::exchange(m_shutDown, true)) return;
-  m_youngest.reset();
-  const std::vector<std::shared_ptr<Worker>> workers = std::move(m_workers);
+  std::vector<std::shared_ptr<Worker>> workers;
+  {
+    const std::lock_guard lock(m_lock);
+    if (std::exchange(m_shutDown, true)) return;
+    m_youngest.reset();
+    workers = std::move(m_workers);
+  }
+  revokeTickObject();
   if (!m_tickObject || !m_tickObject->insideTick())
     for (const std::shared_ptr<Worker>& worker : workers) waitForEnd(*worker);
   m_shared->m_bBusy.store(0, relaxed);
@@ -137,12 +205,17 @@ void RepaintTimer::shutDown() noexcept {
 }
 
 std::size_t RepaintTimer::liveWorkers() noexcept {
+  const std::lock_guard lock(m_lock);
   forgetEndedWorkers();
   return m_workers.size();
 }
 
 void RepaintTimer::marshalAndCreateWorker() noexcept {
-  m_shared->stream.store(marshalTickObject());
+  if (m_shared->cookie != 0) {
+    m_shared->fetchPending.store(true);
+  } else {
+    m_shared->stream.store(marshalTickObject());
+  }
   m_youngest.reset();
   forgetEndedWorkers();
   m_shared->m_bBusy.store(0, relaxed);
@@ -150,8 +223,7 @@ void RepaintTimer::marshalAndCreateWorker() noexcept {
 }
 
 IStream* RepaintTimer::marshalTickObject() noexcept {
-  if (!m_tickObject) m_tickObject = TickObject::create(m_control, m_dispatchId, m_moduleLock);
-  if (!m_tickObject) return nullptr;
+  if (!ensureTickObject()) return nullptr;
   IStream* stream = nullptr;
   if (SUCCEEDED(CoMarshalInterThreadInterfaceInStream(m_dispatchId, m_tickObject.Get(), &stream))) return stream;
   // An interface that nobody describes fails half-way, and Wine's COM then keeps the object until it is told not to.
@@ -199,8 +271,7 @@ DWORD WINAPI RepaintTimer::workerMain(void* argument) {
 void RepaintTimer::runWorker(Shared& shared) {
   const bool comInitialised = SUCCEEDED(CoInitialize(nullptr));
   {
-    ComPtr<IAudioVisualizationTemplate> callback;
-    if (IStream* const stream = shared.stream.exchange(nullptr)) callback = unmarshal(stream, shared.dispatchId);
+    const ComPtr<IAudioVisualizationTemplate> callback = shared.takeCallback();
     runRepaintSchedule(
         shared, [&shared] { return shared.platform.tickCount(); },
         [&shared](std::uint32_t durationMs) { shared.platform.sleepMs(durationMs); },

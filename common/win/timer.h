@@ -1,5 +1,6 @@
 #pragma once
 
+#include "common/win/critical_section.h"
 #include "common/win/tick_object.h"
 #include "common/win/worker_platform.h"
 #include "ole/module_lock.h"
@@ -21,16 +22,23 @@ namespace av {
 /// the last of them, and each holds a reference to the module that its code is in. So a worker that cannot be waited
 /// for, because the control dies inside one of its ticks, still ends safely on its own.
 ///
-/// All methods: [control thread], or another thread that holds the lock which the control's thread takes for them too.
+/// All methods: [control thread], save those that say otherwise.
 class RepaintTimer {
  public:
   RepaintTimer(const RepaintTimer&) = delete;
   RepaintTimer& operator=(const RepaintTimer&) = delete;
 
+  /// Lets every thread call `Start` from now on, also one that is in no apartment: the workers' way to this thread is
+  /// laid here and kept in the process's table of interfaces, where any thread can take it up. Until `shutDown`.
+  /// False where the system refuses; `Start` then goes on marshalling for itself, which it can on this thread only.
+  bool allowStartOnAnyThread() noexcept;
+
   /// Starts a worker, or, when one runs, only gives it a new period, which counts from its next wait. Always returns 0;
   /// failures are not reported: without marshalling the worker ticks nobody, without a thread nothing ticks.
   /// After `clearRunning` a second worker starts even if the first has not woken yet; then both tick.
-  /// `periodMs`: milliseconds. Does nothing once `cutLoose` or `shutDown` was called, and while `Stop` waits.
+  /// `periodMs`: milliseconds. Does nothing once `cutLoose` or `shutDown` was called, and while `Stop` waits. On another
+  /// thread it starts no worker unless `allowStartOnAnyThread` was called with success.
+  // [any thread]
   std::uint32_t Start(std::uint32_t periodMs) noexcept;
 
   /// Clears the running flag and waits for the youngest worker to end, at most about a period, while window messages
@@ -39,6 +47,7 @@ class RepaintTimer {
   void Stop() noexcept;
 
   /// Only clears the running flag: workers end after the wait they are in.
+  // [any thread]
   void clearRunning() noexcept;
 
   /// First step of the control's destruction: clears the running flag; ticks that are delivered from now on, also
@@ -65,6 +74,9 @@ class RepaintTimer {
 
   static DWORD WINAPI workerMain(void* argument);
   static void runWorker(Shared& shared);
+  void registerTickObject() noexcept;
+  void revokeTickObject() noexcept;
+  bool ensureTickObject() noexcept;
   void marshalAndCreateWorker() noexcept;
   IStream* marshalTickObject() noexcept;
   std::shared_ptr<Worker> createWorker() noexcept;
@@ -75,10 +87,13 @@ class RepaintTimer {
   const IID m_dispatchId;
   ole::ModuleLock& m_moduleLock;
   WorkerPlatform& m_platform;
+  const DWORD m_controlThreadId = GetCurrentThreadId();
   const std::shared_ptr<Shared> m_shared;
-  Microsoft::WRL::ComPtr<TickObject> m_tickObject;  ///< made by the first start
-  std::vector<std::shared_ptr<Worker>> m_workers;   ///< every worker that may still be alive
-  std::shared_ptr<Worker> m_youngest;               ///< the one that Stop waits for
+  Microsoft::WRL::ComPtr<TickObject> m_tickObject;  ///< made when it is first needed; control thread only
+
+  CriticalSection m_lock;                          ///< guards what follows; never held while messages are dispatched
+  std::vector<std::shared_ptr<Worker>> m_workers;  ///< every worker that may still be alive
+  std::shared_ptr<Worker> m_youngest;              ///< the one that Stop waits for
   bool m_stopping = false;
   bool m_cutLoose = false;
   bool m_shutDown = false;

@@ -9,7 +9,7 @@ namespace av {
 class WorkerPlatform {
  public:
   /// A thread with default security and stack size that runs at once. Null when there is none to be had.
-  // [control thread]
+  // [any thread]
   virtual HANDLE createThread(LPTHREAD_START_ROUTINE body, void* argument, DWORD& threadId) noexcept = 0;
 
   /// Milliseconds since the system started, wrapping at 2^32.
@@ -22,7 +22,7 @@ class WorkerPlatform {
   /// Runs `step(argument)` with this module's own manifest as the thread's activation context, so that marshalling
   /// finds the type library even when nothing is registered and the manifest that the control was created from is no
   /// longer active. A thread that is created by the step inherits the context.
-  // [control thread]
+  // [any thread]
   virtual void inModuleContext(void (*step)(void*), void* argument) noexcept = 0;
 
  protected:

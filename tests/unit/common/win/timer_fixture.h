@@ -42,6 +42,7 @@ class TestPlatform final : public WorkerPlatform {
     Sleep(durationMs);
   }
   void inModuleContext(void (*step)(void*), void* argument) noexcept override {
+    if (skipSteps) return;
     ULONG_PTR cookie = 0;
     const bool active = moduleContext != INVALID_HANDLE_VALUE && ActivateActCtx(moduleContext, &cookie);
     step(argument);
@@ -49,7 +50,8 @@ class TestPlatform final : public WorkerPlatform {
   }
 
   bool refuseThreads = false;
-  int threadsCreated = 0;
+  bool skipSteps = false;  ///< as if the system had refused whatever is asked of it in the context
+  std::atomic<int> threadsCreated{0};
   std::atomic<DWORD> lastSleepMs{0};
   std::atomic<int> wholePeriods{0};
   HANDLE moduleContext = INVALID_HANDLE_VALUE;
@@ -177,5 +179,41 @@ inline void dispatchFor(DWORD durationMs) {
 }
 
 using test::openKernelHandles;
+
+/// How the tick object comes to a worker.
+enum class Way { stream, table };
+
+inline std::string wayName(const testing::TestParamInfo<Way>& way) {
+  return way.param == Way::stream ? "ByStream" : "ByTable";
+}
+
+/// A control in a single-threaded apartment, whose interface can be marshalled through the module's context.
+class RepaintTimerTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    ASSERT_HRESULT_SUCCEEDED(CoInitialize(nullptr));
+    ASSERT_NE(INVALID_HANDLE_VALUE, m_manifest.get());
+    m_platform.moduleContext = m_manifest.get();
+    m_control = new FakeControl(m_lock, m_platform, &m_destroyed);
+  }
+  void TearDown() override {
+    releaseControl();
+    EXPECT_EQ(0, m_lock.count) << "something still holds the module";
+    CoUninitialize();
+  }
+  void releaseControl() {
+    if (m_control) std::exchange(m_control, nullptr)->Release();
+  }
+  std::size_t ticks() const { return m_control->tickTimes.size(); }
+  bool waitForTicks(std::size_t count) {
+    return dispatchUntil([&] { return ticks() >= count; });
+  }
+
+  ManifestContext m_manifest;
+  CountingModuleLock m_lock;
+  TestPlatform m_platform;
+  bool m_destroyed = false;
+  FakeControl* m_control = nullptr;
+};
 
 }  // namespace av::timer_test
