@@ -1,0 +1,23 @@
+#pragma once
+
+#include "common/line_list.h"
+#include "type3/settings.h"
+
+#include <cstdint>
+#include <span>
+
+namespace av::type3 {
+
+/// Height in pixels of a column whose band has the amplitude `band` (see foldBands) in a column area of `areaHeightPx`:
+/// a whole number of segments, the last one lit whole, so that a column may be up to a segment higher than the area.
+///
+/// The level is 20·log10(2·band ÷ `fftLength`) dB, argument and logarithm rounded to single precision, and lies linearly
+/// between −`ScaleYMax` at the foot and −`ScaleYMin` at the top, in whole dB. A band that is not above zero, or no number,
+/// lies at the foot. With `AlignmentY` columns have half the height. 0 where `ScaleYMin` is not below `ScaleYMax`.
+int columnHeightPx(double band, const AnalyserSettings& settings, std::int32_t fftLength, int areaHeightPx) noexcept;
+
+/// Writes the heights of all bands into their columns; see writeLine. [under the line lock]
+void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,
+                        std::int32_t fftLength, int areaHeightPx, std::uint32_t nowMs) noexcept;
+
+}  // namespace av::type3
