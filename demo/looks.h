@@ -6,18 +6,27 @@
 
 #include <span>
 #include <string_view>
+#include <vector>
 
 namespace avdemo {
 
-/// One picture of a recording: a name that ends its file name, and the properties that make it.
+/// One way to show a recording: a name that ends the file name of its picture, and what makes it.
 struct Look {
   std::wstring_view name;
-  SIZE sizePx;  ///< that suits it, at 96 DPI
-  void (*shape)(IAudioVisualization4Type1& view);
-  void (*theme)(IAudioVisualization4Type1& view);
+  const CLSID* control;  ///< which of the controls
+  SIZE sizePx;           ///< that suits it, at 96 DPI
+  DWORD restMs;          ///< how long after its last block it has come to rest
+  /// Puts the properties of a fresh control of that class, on a display of `dpi`; returns how many frames the blocks have
+  /// that suit it. Throws a Failure.
+  LONG (*prepare)(IAudioVisualizationTemplate& control, int dpi);
+  /// Not one picture at rest but several, NAME-1, NAME-2, ...: so many milliseconds after the sound has turned silent.
+  std::span<const DWORD> momentsMs;
 };
 
-/// Every view of the control as it comes, and in colours of the host's own: a dark and a light theme.
-std::span<const Look> allLooks();
+/// The view as it comes, and in colours of the host's own: a dark and a light theme.
+std::span<const Look> viewLooks();
+
+/// Those of every control.
+std::vector<Look> allLooks();
 
 }  // namespace avdemo

@@ -1,4 +1,4 @@
-// Hosts the waveform and spectrum view as any program would, plays recordings into it and saves what its window shows.
+// Hosts the controls as any program would, plays recordings into them and saves what their windows show.
 
 #include "demo/failure.h"
 #include "demo/looks.h"
@@ -46,19 +46,19 @@ void printLine(DWORD stream, const std::wstring& text) {
 
 void complain(const std::wstring& text) { printLine(STD_ERROR_HANDLE, L"avdemo: " + text); }
 
-/// Where views come from: the library beside the program, or the registry.
-class ViewSource {
+/// Where controls come from: the library beside the program, or the registry.
+class ControlSource {
  public:
-  explicit ViewSource(bool registered) : m_registered(registered) {
+  explicit ControlSource(bool registered) : m_registered(registered) {
     if (!registered)
       require(m_library.loadBesideProgram(L"QELAudioVisualization4.dll"), L"loading QELAudioVisualization4.dll");
   }
-  ComPtr<IAudioVisualization4Type1> create() const {
-    ComPtr<IAudioVisualization4Type1> view;
-    require(m_registered ? avhost::createRegistered(CLSID_CAudioVisualization4Type1, view.GetAddressOf())
-                         : m_library.create(CLSID_CAudioVisualization4Type1, view.GetAddressOf()),
-            L"creating the view");
-    return view;
+  ComPtr<IAudioVisualizationTemplate> create(REFCLSID classId) const {
+    ComPtr<IAudioVisualizationTemplate> control;
+    require(m_registered ? avhost::createRegistered(classId, control.GetAddressOf())
+                         : m_library.create(classId, control.GetAddressOf()),
+            L"creating the control");
+    return control;
   }
 
  private:
@@ -100,27 +100,38 @@ class Demo {
     for (const Look& look : allLooks()) {
       const auto& wanted = m_options.looks;
       if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), look.name) == wanted.end()) continue;
-      const std::wstring dpi = m_dpi == 96 ? L"" : L"-" + std::to_wstring(m_dpi) + L"dpi";
-      const fs::path file = m_options.outFolder / (stem + L"-" + std::wstring(look.name) + dpi + L".png");
-      drawLook(look, recording, file);
-      printLine(STD_OUTPUT_HANDLE, file.wstring());
+      drawLook(look, recording, stem + L"-" + std::wstring(look.name));
     }
   }
 
  private:
-  void drawLook(const Look& look, const WavRecording& recording, const fs::path& file) {
-    const ComPtr<IAudioVisualization4Type1> view = m_source.create();
+  void drawLook(const Look& look, const WavRecording& recording, const std::wstring& name) {
+    const ComPtr<IAudioVisualizationTemplate> control = m_source.create(*look.control);
     avhost::Container container;
     require(container.open({.title = look.name.data(), .clientSizePx = sizePx(look), .positionPx = {0, 0}}),
             L"opening a window");
-    require(container.host(view.Get()), L"hosting the view");
-    if (!container.controlWindow()) throw Failure{L"the view has no window"};
-    look.theme(*view.Get());
-    look.shape(*view.Get());
-    playToLoudestBlock(*view.Get(), recording);
-    UpdateWindow(container.controlWindow());
-    saveWindowPicture(container.controlWindow(), file);
-    if (container.close() != 0) throw Failure{L"the view still holds its closed container"};
+    require(container.host(control.Get()), L"hosting the control");
+    if (!container.controlWindow()) throw Failure{L"the control has no window"};
+    const LONG blockFrames = look.prepare(*control.Get(), m_dpi);
+    Player player(*control.Get(), recording, blockFrames);
+    player.playToLoudestBlock();
+    player.rest(look.restMs);
+    if (look.momentsMs.empty()) save(container.controlWindow(), name);
+    DWORD shownMs = 0;
+    for (std::size_t i = 0; i < look.momentsMs.size(); ++i) {
+      player.playSilence(look.momentsMs[i] - shownMs);
+      shownMs = look.momentsMs[i];
+      save(container.controlWindow(), name + L"-" + std::to_wstring(i + 1));
+    }
+    if (container.close() != 0) throw Failure{L"the control still holds its closed container"};
+  }
+
+  void save(HWND window, const std::wstring& name) {
+    const std::wstring dpi = m_dpi == 96 ? L"" : L"-" + std::to_wstring(m_dpi) + L"dpi";
+    const fs::path file = m_options.outFolder / (name + dpi + L".png");
+    UpdateWindow(window);
+    saveWindowPicture(window, file);
+    printLine(STD_OUTPUT_HANDLE, file.wstring());
   }
 
   SIZE sizePx(const Look& look) const {
@@ -136,7 +147,7 @@ class Demo {
   }
 
   const Options& m_options;
-  ViewSource m_source;
+  ControlSource m_source;
   int m_dpi;
   std::set<std::wstring> m_usedStems;
 };
@@ -145,7 +156,7 @@ int run(const Options& options) {
   const avhost::Apartment apartment;
   require(apartment.result(), L"starting COM");
   const GdiplusSession gdiplus;
-  std::optional<Demo> demo;  // made with the first recording: bad files are told even where the view cannot be made
+  std::optional<Demo> demo;  // made with the first recording: bad files are told even where no control can be made
   const auto draw = [&](const std::wstring& name, const WavRecording& recording) {
     if (!demo) demo.emplace(options);
     demo->draw(name, recording);

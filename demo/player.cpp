@@ -13,7 +13,6 @@ namespace avdemo {
 namespace {
 
 constexpr std::size_t longestSearchS = 30;  // the loudest block is looked for in this much of the recording
-constexpr DWORD restMs = 900;  // falling levels lose a quarter every 30 ms: 100 dB are below 0.1 dB after 24 steps
 
 /// The samples of block `index`, filled up with silence at the recording's end.
 std::vector<std::uint8_t> blockAt(const WavRecording& recording, std::size_t index, std::size_t blockFrames) {
@@ -48,26 +47,29 @@ std::size_t loudestBlock(const WavRecording& recording, std::size_t blockFrames)
 
 }  // namespace
 
-void playToLoudestBlock(IAudioVisualization4Type1& view, const WavRecording& recording) {
-  LONG windowSize = 0;
-  require(view.get_FFTWindowSize(&windowSize), L"asking for the size of the analysis");
-  // The view analyses one window of each block, so blocks of that length show everything.
-  const std::size_t blockFrames = static_cast<std::size_t>(windowSize);
-  const std::size_t last = loudestBlock(recording, blockFrames);
-  const std::size_t blocksPerSecond = recording.sampleRateHz / blockFrames + 1;
+void Player::playToLoudestBlock() {
+  const std::size_t last = loudestBlock(m_recording, m_blockFrames);
+  const std::size_t blocksPerSecond = m_recording.sampleRateHz / m_blockFrames + 1;
   const std::size_t first = last > blocksPerSecond ? last - blocksPerSecond : 0;
+  for (std::size_t index = first; index <= last; ++index) play(blockAt(m_recording, index, m_blockFrames));
+}
 
-  const WAVEFORMATEX& format = *reinterpret_cast<const WAVEFORMATEX*>(recording.format.data());
-  const ULONGLONG startMs = GetTickCount64();
-  for (std::size_t index = first; index <= last; ++index) {
-    const std::vector<std::uint8_t> samples = blockAt(recording, index, blockFrames);
-    const avhost::Block block = avhost::audioFrames(format, samples.data(), static_cast<LONG>(samples.size()));
-    require(view.SendAudioData(block.get()), L"sending audio");
-    const ULONGLONG dueMs = startMs + (index - first + 1) * blockFrames * 1000 / recording.sampleRateHz;
-    const ULONGLONG nowMs = GetTickCount64();
-    avhost::pumpMessages(dueMs > nowMs ? static_cast<DWORD>(dueMs - nowMs) : 0);
-  }
-  avhost::pumpMessages(restMs);
+void Player::playSilence(DWORD lengthMs) {
+  const std::vector<std::uint8_t> silence = blockAt(m_recording, m_recording.frameCount(), m_blockFrames);
+  const ULONGLONG endMs = GetTickCount64() + lengthMs;
+  while (GetTickCount64() < endMs) play(silence);
+}
+
+void Player::rest(DWORD lengthMs) { avhost::pumpMessages(lengthMs); }
+
+void Player::play(const std::vector<std::uint8_t>& samples) {
+  const WAVEFORMATEX& format = *reinterpret_cast<const WAVEFORMATEX*>(m_recording.format.data());
+  const avhost::Block block = avhost::audioFrames(format, samples.data(), static_cast<LONG>(samples.size()));
+  require(m_control.SendAudioData(block.get()), L"sending audio");
+  const auto nowMs = static_cast<double>(GetTickCount64());
+  // Late blocks are not made up for.
+  m_dueMs = std::max(m_dueMs, nowMs - 1) + static_cast<double>(m_blockFrames) * 1000 / m_recording.sampleRateHz;
+  avhost::pumpMessages(m_dueMs > nowMs ? static_cast<DWORD>(m_dueMs - nowMs) : 0);
 }
 
 WavRecording generatedTones() {
