@@ -16,6 +16,8 @@ WORD distanceOnAxis(WORD coordinate, LONG origin) noexcept {
   return static_cast<WORD>(std::clamp<std::int64_t>(distance, Limits::min(), Limits::max()));
 }
 
+LONG himetricFromPixels(LONG pixels, int dotsPerInch) noexcept { return MulDiv(pixels, 2540, dotsPerInch); }
+
 }  // namespace
 
 Control::Control(IUnknown* outer, const ControlInfo& info) noexcept
@@ -60,6 +62,17 @@ void Control::extentLoaded(SIZEL himetric) {
   m_extent = himetric;
   m_dirty = false;
   if (!m_inPlace.isActive()) requestRedraw();
+}
+
+void Control::requestSize(SIZE pixels) {
+  if (HDC screen = GetDC(nullptr)) {
+    m_extent = {himetricFromPixels(pixels.cx, GetDeviceCaps(screen, LOGPIXELSX)),
+                himetricFromPixels(pixels.cy, GetDeviceCaps(screen, LOGPIXELSY))};
+    ReleaseDC(nullptr, screen);
+    m_dirty = true;
+  }
+  const RECT& now = m_inPlace.position();
+  m_inPlace.requestPosition({now.left, now.top, now.left + pixels.cx, now.top + pixels.cy});
 }
 
 void Control::saved() {

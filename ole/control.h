@@ -72,6 +72,9 @@ class Control : public Object, public WindowClient {
 
   SIZEL extentHimetric() const noexcept { return m_extent; }
   void setExtent(SIZEL himetric) noexcept { m_extent = himetric; }
+  /// Takes the extent of that many pixels of the screen, and asks the container for a place of that size; see
+  /// InPlaceSession::requestPosition. [control thread]
+  void requestSize(SIZE pixels);
   bool isDirty() const noexcept { return m_dirty; }
   void setDirty(bool dirty) noexcept { m_dirty = dirty; }
   /// A persisted extent has arrived: it is the control's extent now, and nothing is left to be saved.

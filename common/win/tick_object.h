@@ -30,6 +30,10 @@ class TickObject final : public IAudioVisualizationTemplate {
   // [control thread]
   bool insideTick() const noexcept { return m_ticksOnStack != 0; }
 
+  /// Whether anybody besides the timer holds the object: what was marshalled is still good for something.
+  // [any thread]
+  bool isSharedOut() const noexcept { return m_references.load(std::memory_order_relaxed) > 1; }
+
   // [any thread]
   STDMETHODIMP QueryInterface(REFIID id, void** object) override;
   STDMETHODIMP_(ULONG) AddRef() override;

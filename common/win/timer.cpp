@@ -62,6 +62,9 @@ HMODULE referenceThisModule() noexcept {
 /// What the timer shares with its workers; lives as long as the last of them.
 struct RepaintTimer::Shared : RepaintWords {
   Shared(const IID& id, WorkerPlatform& system) : dispatchId(id), platform(system) {}
+  ~Shared() { revoke(); }
+  Shared(const Shared&) = delete;
+  Shared& operator=(const Shared&) = delete;
 
   /// The tick object on its way to a worker, from start until the worker takes it: marshalled for it alone, or, with a
   /// cookie, to be fetched from the table.
@@ -69,9 +72,16 @@ struct RepaintTimer::Shared : RepaintWords {
   std::atomic<bool> fetchPending{false};
   bool isPending() const noexcept { return stream.load() != nullptr || fetchPending.load(); }
 
-  // Written before the first start and not again: workers read them without a lock.
+  // Written while there is no worker: workers read them without a lock.
   ComPtr<IGlobalInterfaceTable> table;
   DWORD cookie = 0;  ///< of the tick object in the table; 0: it is not there
+
+  /// Takes the tick object out of the table, which any thread may that is in an apartment. Not while a worker may still
+  /// fetch it: Wine 8 frees twice what it has made for a pointer that it cannot hand out in the end.
+  void revoke() noexcept {
+    // An apartment that went first has let go of the object already, and the table may answer that it knows nothing.
+    if (cookie != 0) table->RevokeInterfaceFromGlobal(std::exchange(cookie, 0));
+  }
 
   const IID dispatchId;
   WorkerPlatform& platform;
@@ -80,7 +90,6 @@ struct RepaintTimer::Shared : RepaintWords {
   ComPtr<IAudioVisualizationTemplate> takeCallback() noexcept {
     if (IStream* const marshalled = stream.exchange(nullptr)) return unmarshal(marshalled, dispatchId);
     ComPtr<IAudioVisualizationTemplate> proxy;
-    // Fails when the control has ended in the meantime.
     if (fetchPending.exchange(false))
       table->GetInterfaceFromGlobal(cookie, dispatchId, reinterpret_cast<void**>(proxy.GetAddressOf()));
     return proxy;
@@ -132,9 +141,9 @@ void RepaintTimer::registerTickObject() noexcept {
   m_shared->cookie = cookie;
 }
 
-void RepaintTimer::revokeTickObject() noexcept {
-  // An apartment that went first has let go of the object already, and the table may answer that it knows nothing.
-  if (m_shared->cookie != 0) m_shared->table->RevokeInterfaceFromGlobal(m_shared->cookie);
+bool RepaintTimer::canFetch() const noexcept {
+  // The table's own reference goes when the apartment is torn down, and the entry is good for nothing then.
+  return m_shared->cookie != 0 && m_tickObject->isSharedOut();
 }
 
 bool RepaintTimer::ensureTickObject() noexcept {
@@ -149,7 +158,7 @@ std::uint32_t RepaintTimer::Start(std::uint32_t periodMs) noexcept {
   const bool canCreate = m_shared->m_bRunning.load(relaxed) == 0 && !m_shared->isPending();
   m_shared->m_nInterval.store(periodMs, relaxed);
   // What is marshalled on a thread belongs to that thread: its ticks would not reach the control's.
-  if (canCreate && m_shared->cookie == 0 && GetCurrentThreadId() != m_controlThreadId) return 0;
+  if (canCreate && !canFetch() && GetCurrentThreadId() != m_controlThreadId) return 0;
   m_shared->m_bRunning.store(1, relaxed);
   if (!canCreate) return 0;
 
@@ -195,9 +204,12 @@ void RepaintTimer::shutDown() noexcept {
     m_youngest.reset();
     workers = std::move(m_workers);
   }
-  revokeTickObject();
   if (!m_tickObject || !m_tickObject->insideTick())
     for (const std::shared_ptr<Worker>& worker : workers) waitForEnd(*worker);
+  // Of those that cannot be waited for, the last one does this.
+  const bool allEnded =
+      std::all_of(workers.begin(), workers.end(), [](const auto& worker) { return worker->hasEnded(); });
+  if (allEnded) m_shared->revoke();
   m_shared->m_bBusy.store(0, relaxed);
   // Still there when no thread could be created for it.
   if (IStream* const stream = m_shared->stream.exchange(nullptr)) discardMarshalled(stream);
@@ -211,7 +223,7 @@ std::size_t RepaintTimer::liveWorkers() noexcept {
 }
 
 void RepaintTimer::marshalAndCreateWorker() noexcept {
-  if (m_shared->cookie != 0) {
+  if (canFetch()) {
     m_shared->fetchPending.store(true);
   } else {
     m_shared->stream.store(marshalTickObject());
@@ -260,7 +272,7 @@ DWORD WINAPI RepaintTimer::workerMain(void* argument) {
   {
     const std::unique_ptr<WorkerStart> start(static_cast<WorkerStart*>(argument));
     module = start->module;
-    runWorker(*start->shared);
+    runWorker(std::move(start->shared));
   }
   // Nothing with a destructor may be alive here: the thread never returns from giving its module reference back.
   if (module) FreeLibraryAndExitThread(module, 0);
@@ -268,9 +280,12 @@ DWORD WINAPI RepaintTimer::workerMain(void* argument) {
 }
 
 // [repaint worker]
-void RepaintTimer::runWorker(Shared& shared) {
+void RepaintTimer::runWorker(std::shared_ptr<Shared>&& owned) {
   const bool comInitialised = SUCCEEDED(CoInitialize(nullptr));
   {
+    // Given back while the thread still is in an apartment: the last one takes the tick object out of the table.
+    const std::shared_ptr<Shared> kept = std::move(owned);
+    Shared& shared = *kept;
     const ComPtr<IAudioVisualizationTemplate> callback = shared.takeCallback();
     runRepaintSchedule(
         shared, [&shared] { return shared.platform.tickCount(); },

@@ -73,9 +73,9 @@ class RepaintTimer {
   struct WorkerStart;
 
   static DWORD WINAPI workerMain(void* argument);
-  static void runWorker(Shared& shared);
+  static void runWorker(std::shared_ptr<Shared>&& owned);
   void registerTickObject() noexcept;
-  void revokeTickObject() noexcept;
+  bool canFetch() const noexcept;
   bool ensureTickObject() noexcept;
   void marshalAndCreateWorker() noexcept;
   IStream* marshalTickObject() noexcept;
@@ -89,7 +89,8 @@ class RepaintTimer {
   WorkerPlatform& m_platform;
   const DWORD m_controlThreadId = GetCurrentThreadId();
   const std::shared_ptr<Shared> m_shared;
-  Microsoft::WRL::ComPtr<TickObject> m_tickObject;  ///< made when it is first needed; control thread only
+  /// Made when it is first needed; other threads read it only once it is in the table.
+  Microsoft::WRL::ComPtr<TickObject> m_tickObject;
 
   CriticalSection m_lock;                          ///< guards what follows; never held while messages are dispatched
   std::vector<std::shared_ptr<Worker>> m_workers;  ///< every worker that may still be alive

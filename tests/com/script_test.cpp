@@ -210,27 +210,60 @@ Say view.DynamicRange
 )"));
 }
 
+TEST_F(VbScript, DrivesTheLevelMeter) {
+  EXPECT_EQ("100 1 True\n3 100 True\n5\n20 4096\nrefused\nrefused\n0\n3\nno error\n", vbScript(R"(
+Option Explicit
+Dim meter, text
+Set meter = GetObject("new:{E9992E04-5743-40C9-AF9D-826530A45F53}")
+WScript.Echo meter.LineCount & " " & CInt(meter.LineInterval) & " " & meter.AutoRepaint
+meter.LineCount = 1
+meter.HighPoint = 150
+meter.AutoRepaint = False
+WScript.Echo meter.LineCount & " " & meter.highpoint & " " & meter.AUTOREPAINT
+meter.BackColor = &H80000005
+WScript.Echo meter.BackColor
+meter.LineCount = "20"
+meter.FFTWindowSize = 4096
+WScript.Echo meter.LineCount & " " & meter.FFTWindowSize
+On Error Resume Next
+meter.LineCount = "many"
+If Err.Number <> 0 Then WScript.Echo "refused"
+Err.Clear
+meter.NoSuchProperty = 1
+If Err.Number <> 0 Then WScript.Echo "refused"
+Err.Clear
+meter.TickVisible = 0
+WScript.Echo CInt(meter.TickVisible)
+meter.LineCount = 3
+WScript.Echo meter.get_LineCount
+Err.Clear
+meter.SendAudioData Nothing
+meter.SendAudioData meter
+meter.SetAdditionalParam "anything", 5
+meter.Repaint
+If Err.Number = 0 Then WScript.Echo "no error"
+)"));
+}
+
 TEST_F(VbScript, ReadsThatUnfinishedPropertiesAreNotImplemented) {
   // 445: the engine's number for E_NOTIMPL.
-  EXPECT_EQ("445\n445\n445\n445\n0\n445\n445\n445\n445\n0\n", withView(R"(
+  EXPECT_EQ("445\n445\n445\n445\n0\n", withView(R"(
 On Error Resume Next
-Dim name, control, value
-For Each name In Array("new:{E9992E04-5743-40C9-AF9D-826530A45F53}", "new:{2F06E1AA-C0F0-488C-A6DD-799053CA7140}")
-  Set control = GetObject(name)
-  Err.Clear
-  value = control.LineCount
-  SayNumber
-  control.LineCount = 20
-  SayNumber
-  value = control.BackColor
-  SayNumber
-  control.TickVisible = True
-  SayNumber
-  control.Repaint
-  control.SendAudioData Nothing
-  control.SendAudioData control
-  SayNumber
-Next
+Dim control, value
+Set control = GetObject("new:{2F06E1AA-C0F0-488C-A6DD-799053CA7140}")
+Err.Clear
+value = control.LineCount
+SayNumber
+control.LineCount = 20
+SayNumber
+value = control.BackColor
+SayNumber
+control.TickVisible = True
+SayNumber
+control.Repaint
+control.SendAudioData Nothing
+control.SendAudioData control
+SayNumber
 )"));
 }
 
@@ -324,13 +357,23 @@ say(view.DynamicRange);
 )"));
 }
 
-TEST_F(JScript, ReadsThatUnfinishedPropertiesAreNotImplemented) {
-  EXPECT_EQ("80004001\n80004001\n80004001\n80004001\n", withView(R"(
-function number(work) { try { work(); say("done"); } catch (error) { say((error.number >>> 0).toString(16)); } }
+TEST_F(JScript, DrivesTheLevelMeter) {
+  EXPECT_EQ("1\n3\n20\non\n", withView(R"(
 var meter = new ActiveXObject("AvTest.Meter");
+say(meter.LineInterval);
+meter.LineCount = -7;
+say(meter.LineCount);
+meter.linecount = 20;
+say(meter.LINECOUNT);
+meter.AutoRepaint = false;
+say(meter.AutoRepaint ? "on" : "off");
+)"));
+}
+
+TEST_F(JScript, ReadsThatUnfinishedPropertiesAreNotImplemented) {
+  EXPECT_EQ("80004001\n80004001\n", withView(R"(
+function number(work) { try { work(); say("done"); } catch (error) { say((error.number >>> 0).toString(16)); } }
 var analyser = new ActiveXObject("QELAudioVisualization4.AudioVisualizati");
-number(function () { return meter.LineCount; });
-number(function () { meter.LineCount = 5; });
 number(function () { return analyser.FFTLength; });
 number(function () { analyser.FFTLength = 1024; });
 )"));

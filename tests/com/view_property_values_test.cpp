@@ -13,32 +13,6 @@ constexpr LONG highest = std::numeric_limits<LONG>::max();
 
 class ViewPropertyValues : public ViewTest {
  protected:
-  /// Calls every one-argument accessor of that kind at the offset that the type library gives it.
-  template <class Call>
-  int forEachAccessor(INVOKEKIND kind, Call call) {
-    ComPtr<ITypeInfo> info, vtable;
-    EXPECT_EQ(S_OK, m_view->GetTypeInfo(0, LOCALE_USER_DEFAULT, &info));
-    HREFTYPE reference = 0;  // the vtable side of the dual interface carries the offsets
-    EXPECT_EQ(S_OK, info->GetRefTypeOfImplType(static_cast<UINT>(-1), &reference));
-    EXPECT_EQ(S_OK, info->GetRefTypeInfo(reference, &vtable));
-    TYPEATTR* attributes = nullptr;
-    EXPECT_EQ(S_OK, vtable->GetTypeAttr(&attributes));
-    const UINT count = attributes->cFuncs;
-    vtable->ReleaseTypeAttr(attributes);
-    int called = 0;
-    for (UINT i = 0; i < count; ++i) {
-      FUNCDESC* function = nullptr;
-      EXPECT_EQ(S_OK, vtable->GetFuncDesc(i, &function));
-      if (function->invkind == kind && function->cParams == 1 && function->memid != scaleFontId) {
-        const auto table = *reinterpret_cast<char**>(m_view.Get());
-        call(function->memid, table + function->oVft);
-        ++called;
-      }
-      vtable->ReleaseFuncDesc(function);
-    }
-    return called;
-  }
-
   static const NumberRow& rowOf(DISPID id) {
     for (const NumberRow& row : numberRows)
       if (row.dispId == id) return row;
@@ -48,23 +22,29 @@ class ViewPropertyValues : public ViewTest {
 };
 
 TEST_F(ViewPropertyValues, FreshControlsReadTheDefaultsAtEveryVtableOffset) {
-  const int called = forEachAccessor(INVOKE_PROPERTYGET, [&](DISPID id, void* slot) {
-    using Get = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
-    LONG direct = 0;
-    EXPECT_EQ(S_OK, (*static_cast<Get*>(slot))(m_view.Get(), &direct)) << id;
-    const NumberRow& row = rowOf(id);
-    if (row.type == VT_BOOL) direct = static_cast<SHORT>(direct);
-    EXPECT_EQ(row.defaultValue, direct) << id;
-    EXPECT_EQ(getLong(id), direct) << id;
-  });
+  const int called = forEachAccessor(
+      INVOKE_PROPERTYGET,
+      [&](DISPID id, void* slot) {
+        using Get = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
+        LONG direct = 0;
+        EXPECT_EQ(S_OK, (*static_cast<Get*>(slot))(m_view.Get(), &direct)) << id;
+        const NumberRow& row = rowOf(id);
+        if (row.type == VT_BOOL) direct = static_cast<SHORT>(direct);
+        EXPECT_EQ(row.defaultValue, direct) << id;
+        EXPECT_EQ(getLong(id), direct) << id;
+      },
+      scaleFontId);
   EXPECT_EQ(17, called);
 }
 
 TEST_F(ViewPropertyValues, EveryPutReachesItsOwnPropertyAtItsVtableOffset) {
-  const int called = forEachAccessor(INVOKE_PROPERTYPUT, [&](DISPID id, void* slot) {
-    using Put = HRESULT(STDMETHODCALLTYPE*)(void*, LONG);
-    EXPECT_EQ(S_OK, (*static_cast<Put*>(slot))(m_view.Get(), rowOf(id).otherValue)) << id;
-  });
+  const int called = forEachAccessor(
+      INVOKE_PROPERTYPUT,
+      [&](DISPID id, void* slot) {
+        using Put = HRESULT(STDMETHODCALLTYPE*)(void*, LONG);
+        EXPECT_EQ(S_OK, (*static_cast<Put*>(slot))(m_view.Get(), rowOf(id).otherValue)) << id;
+      },
+      scaleFontId);
   EXPECT_EQ(17, called);
   // Read only now: a put that reached another row would have been overwritten there.
   for (const NumberRow& row : numberRows) EXPECT_EQ(row.otherValue, getLong(row.dispId)) << row.dispId;
@@ -168,10 +148,13 @@ TEST_F(ViewPropertyValues, TheScaleColourIsTheButtonFaceAtConstruction) {
 }
 
 TEST_F(ViewPropertyValues, NullOutPointersAreRefusedByEveryGet) {
-  const int called = forEachAccessor(INVOKE_PROPERTYGET, [&](DISPID id, void* slot) {
-    using Get = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
-    EXPECT_EQ(E_POINTER, (*static_cast<Get*>(slot))(m_view.Get(), nullptr)) << id;
-  });
+  const int called = forEachAccessor(
+      INVOKE_PROPERTYGET,
+      [&](DISPID id, void* slot) {
+        using Get = HRESULT(STDMETHODCALLTYPE*)(void*, void*);
+        EXPECT_EQ(E_POINTER, (*static_cast<Get*>(slot))(m_view.Get(), nullptr)) << id;
+      },
+      scaleFontId);
   EXPECT_EQ(17, called);
   EXPECT_EQ(E_POINTER, m_view->get_LineColor(1, nullptr));
   EXPECT_EQ(E_POINTER, m_view->get_LineColor(99, nullptr));

@@ -1,48 +1,9 @@
 #pragma once
 
 #include "host/container.h"
-#include "host/dll_test.h"
-
-#include <olectl.h>
-
-#include <string>
+#include "host/late_bound_test.h"
 
 namespace av::test {
-
-/// A VARIANT that owns what it holds.
-class Value : public VARIANT {
- public:
-  Value() { VariantInit(this); }
-  Value(VARTYPE type, LONG number) : Value() {
-    V_VT(this) = type;
-    if (type == VT_BOOL) V_BOOL(this) = static_cast<VARIANT_BOOL>(number);
-    else V_I4(this) = number;
-  }
-  explicit Value(const wchar_t* text) : Value() {
-    V_VT(this) = VT_BSTR;
-    V_BSTR(this) = SysAllocString(text);
-  }
-  explicit Value(double number) : Value() {
-    V_VT(this) = VT_R8;
-    V_R8(this) = number;
-  }
-  explicit Value(IDispatch* object) : Value() {
-    V_VT(this) = VT_DISPATCH;
-    V_DISPATCH(this) = object;
-    if (object) object->AddRef();
-  }
-  Value(Value&& other) noexcept : VARIANT(other) { VariantInit(&other); }
-  ~Value() { VariantClear(this); }
-};
-
-/// A row of the view's table whose value is a number.
-struct NumberRow {
-  const wchar_t* name;
-  DISPID dispId;
-  VARTYPE type;  ///< VT_UI4 for colours
-  LONG defaultValue;
-  LONG otherValue;
-};
 
 // Not LineColor and ScaleFont, which are more than a number.
 inline const NumberRow numberRows[] = {
@@ -69,7 +30,7 @@ inline constexpr DISPID lineColorId = 15;
 inline constexpr DISPID scaleFontId = 22;
 
 /// A test with a view of its own, not hosted yet.
-class ViewTest : public DllTest {
+class ViewTest : public LateBoundTest {
  protected:
   void SetUp() override {
     DllTest::SetUp();
@@ -90,25 +51,8 @@ class ViewTest : public DllTest {
     UpdateWindow(m_container.controlWindow());
   }
 
-  HRESULT invoke(DISPID id, WORD flags, VARIANT* arguments, UINT count, VARIANT* result = nullptr,
-                 EXCEPINFO* exception = nullptr, UINT* argumentError = nullptr, LCID locale = LOCALE_USER_DEFAULT) {
-    DISPID put = DISPID_PROPERTYPUT;
-    const bool puts = (flags & (DISPATCH_PROPERTYPUT | DISPATCH_PROPERTYPUTREF)) != 0;
-    DISPPARAMS parameters{arguments, puts ? &put : nullptr, count, puts ? 1u : 0u};
-    return m_view->Invoke(id, IID_NULL, locale, flags, &parameters, result, exception, argumentError);
-  }
-  HRESULT invokeGet(DISPID id, VARIANT* value) { return invoke(id, DISPATCH_PROPERTYGET, nullptr, 0, value); }
-  HRESULT invokePut(DISPID id, const VARIANT& value) {
-    VARIANT argument = value;  // stays the caller's
-    return invoke(id, DISPATCH_PROPERTYPUT, &argument, 1);
-  }
+  IDispatch* dispatch() override { return m_view.Get(); }
 
-  LONG getLong(DISPID id) {
-    Value value;
-    EXPECT_EQ(S_OK, invokeGet(id, &value)) << id;
-    EXPECT_EQ(S_OK, VariantChangeType(&value, &value, 0, VT_I4)) << id;
-    return V_I4(&value);
-  }
   OLE_COLOR lineColor(LONG channel) {
     OLE_COLOR colour = 0xFFFFFFFF;
     EXPECT_EQ(S_OK, m_view->get_LineColor(channel, &colour));

@@ -119,6 +119,35 @@ TEST_F(TimerOnAnyThread, EndsWhileTheWorkerStillWaitsForItsPointer) {
   EXPECT_EQ(0, m_lock.count);
 }
 
+TEST_F(TimerOnAnyThread, EndsRightAfterItsStartHoweverOftenThatHappens) {
+  for (int i = 0; i < 200; ++i) {
+    auto* const control = new FakeControl(m_lock, m_platform);
+    ASSERT_TRUE(control->timer.allowStartOnAnyThread());
+    control->timer.Start(50);
+    if (i % 2 == 1) Sleep(static_cast<DWORD>(i % 5));  // the worker gets more or less far
+    if (i % 3 == 1) {
+      control->timer.clearRunning();
+      control->timer.Start(50);
+    }
+    control->Release();
+    ASSERT_EQ(1, m_lock.count) << "besides the test's own control";
+  }
+}
+
+TEST_F(TimerOnAnyThread, TheControlIsReleasedInATickWhileAnotherWorkerStillWaitsForItsPointer) {
+  m_control->onTick = [&] {
+    startElsewhere(Host::noApartment);  // runs already
+    m_control->timer.clearRunning();
+    startElsewhere(Host::noApartment);
+    Sleep(100);  // the second worker's way to this thread needs this thread
+    releaseControl();
+  };
+  m_control->timer.Start(10);
+  EXPECT_TRUE(dispatchUntil([&] { return m_destroyed; }));
+  EXPECT_EQ(2, m_platform.threadsCreated);
+  EXPECT_TRUE(dispatchUntil([&] { return m_lock.count == 0; }));
+}
+
 TEST_F(TimerOnAnyThread, LeavesNothingWhenTheApartmentWentFirst) {
   CoUninitialize();
   releaseControl();
@@ -130,7 +159,10 @@ TEST_F(TimerOnAnyThread, LeavesNothingWhenTheApartmentWentFirst) {
 TEST_F(TimerOnAnyThread, LeavesNothingWhenAnotherApartmentTookThePlaceOfItsOwn) {
   CoUninitialize();
   ASSERT_HRESULT_SUCCEEDED(CoInitialize(nullptr));
-  startElsewhere(Host::noApartment, 1);  // finds nobody to tick
+  startElsewhere(Host::noApartment, 1);
+  EXPECT_EQ(0, m_platform.threadsCreated) << "nobody is there to be ticked";
+  m_control->timer.Start(1);
+  EXPECT_TRUE(waitForTicks(2)) << "started here, it marshals anew";
   releaseControl();
   EXPECT_TRUE(m_destroyed);
   EXPECT_EQ(0, m_lock.count);
