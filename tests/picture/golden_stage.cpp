@@ -14,13 +14,13 @@
 
 namespace av::test {
 
-GoldenStage::~GoldenStage() {
+ControlStage::~ControlStage() {
   EXPECT_EQ(0u, m_container.close());
   if (m_frame) DestroyWindow(m_frame);
-  EXPECT_EQ(0u, m_view ? m_view.Reset() : 0u);
+  EXPECT_EQ(0u, m_control ? m_control.Reset() : 0u);
 }
 
-void GoldenStage::open(SIZE sizePx) {
+void ControlStage::open(SIZE sizePx) {
   m_sizePx = sizePx;
   const SIZE screen{GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
   if (sizePx.cx > screen.cx || sizePx.cy > screen.cy) return;
@@ -29,10 +29,10 @@ void GoldenStage::open(SIZE sizePx) {
                             nullptr, nullptr, nullptr, nullptr);
   ASSERT_TRUE(m_frame);
   ASSERT_EQ(S_OK, m_container.open({.clientSizePx = sizePx, .parent = m_frame}));
-  ASSERT_EQ(S_OK, m_container.host(m_view.Get()));
+  ASSERT_EQ(S_OK, m_container.host(m_control.Get()));
 }
 
-void GoldenStage::play(int bits, int channels, int frames, DWORD sampleRateHz, int moment) {
+void ControlStage::play(int bits, int channels, int frames, DWORD sampleRateHz, int moment) {
   std::mt19937 engine(static_cast<std::uint32_t>(1 + moment));
   const double fullScale = std::pow(2.0, bits - 1) - 1;
   std::vector<std::uint8_t> bytes;
@@ -56,7 +56,7 @@ void GoldenStage::play(int bits, int channels, int frames, DWORD sampleRateHz, i
   send(format, bytes);
 }
 
-void GoldenStage::playLevel(double value, int bits, int channels, int frames) {
+void ControlStage::playLevel(double value, int bits, int channels, int frames) {
   const double fullScale = std::pow(2.0, bits - 1) - 1;
   const auto sample = static_cast<std::int64_t>(std::llround(fullScale * value)) + (bits == 8 ? 128 : 0);
   std::vector<std::uint8_t> bytes;
@@ -67,14 +67,14 @@ void GoldenStage::playLevel(double value, int bits, int channels, int frames) {
   send(format, bytes);
 }
 
-void GoldenStage::send(const WAVEFORMATEX& format, const std::vector<std::uint8_t>& bytes) {
+void ControlStage::send(const WAVEFORMATEX& format, const std::vector<std::uint8_t>& bytes) {
   if (m_muted) return;
   ASSERT_EQ(S_OK,
-            m_view->SendAudioData(avhost::audioFrames(format, bytes.data(), static_cast<LONG>(bytes.size())).get()));
+            m_control->SendAudioData(avhost::audioFrames(format, bytes.data(), static_cast<LONG>(bytes.size())).get()));
 }
 
-void GoldenStage::tick(int count) {
-  for (int i = 0; i < count; ++i) ASSERT_EQ(S_OK, m_view->_OnTimer());
+void ControlStage::tick(int count) {
+  for (int i = 0; i < count; ++i) ASSERT_EQ(S_OK, m_control->_OnTimer());
 }
 
 void GoldenStage::font(const wchar_t* face, int points, bool bold, bool italic) {
@@ -88,17 +88,42 @@ void GoldenStage::font(const wchar_t* face, int points, bool bold, bool italic) 
   description.fItalic = italic;
   Microsoft::WRL::ComPtr<IFontDisp> font;
   ASSERT_EQ(S_OK, OleCreateFontIndirect(&description, IID_IFontDisp, reinterpret_cast<void**>(font.GetAddressOf())));
-  ASSERT_EQ(S_OK, m_view->putref_ScaleFont(font.Get()));
+  ASSERT_EQ(S_OK, (*this)->putref_ScaleFont(font.Get()));
 }
 
-WindowPicture GoldenStage::picture() {
+void GoldenMeterStage::playWithPeaks(int frames) {
+  ASSERT_EQ(S_OK, (*this)->put_TickDelayTime(1000000000));
+  const WAVEFORMATEX format{WAVE_FORMAT_PCM, 1, 44100, 88200, 2, 16, 0};
+  for (const double moment : {2.2, 0.0}) {
+    std::mt19937 engine(7);
+    std::vector<double> sum(static_cast<std::size_t>(frames));
+    // A partial a bin; every one half a turn and more away from the one before.
+    for (int bin = 1; bin < frames / 2; ++bin) {
+      const double part = 2.0 * bin / frames;
+      const double levelDb = -22 - 40 * part + 14 * std::sin(18 * part + moment) + 5 * std::sin(97 * part + 3 * moment);
+      const double phase = static_cast<double>(engine() % 62832) / 10000;
+      const double turn = 2 * std::numbers::pi * bin / frames;
+      for (std::size_t n = 0; n < sum.size(); ++n)
+        sum[n] += std::pow(10.0, levelDb / 20) * std::sin(turn * static_cast<double>(n) + phase);
+    }
+    std::vector<std::uint8_t> bytes;
+    for (const double value : sum) {
+      const long sample = std::clamp(std::lround(16000 * value), -32768l, 32767l);
+      bytes.push_back(static_cast<std::uint8_t>(sample & 0xFF));
+      bytes.push_back(static_cast<std::uint8_t>(sample >> 8 & 0xFF));
+    }
+    send(format, bytes);
+  }
+}
+
+WindowPicture ControlStage::picture() {
   if (m_frame) {
     InvalidateRect(m_container.controlWindow(), nullptr, FALSE);
     UpdateWindow(m_container.controlWindow());
     return pictureOf(m_container.controlWindow());
   }
   Microsoft::WRL::ComPtr<IViewObject> viewObject;
-  EXPECT_EQ(S_OK, m_view.As(&viewObject));
+  EXPECT_EQ(S_OK, m_control.As(&viewObject));
   return pictureDrawnBy(m_sizePx, [&](HDC target) {
     const RECTL bounds{0, 0, m_sizePx.cx, m_sizePx.cy};
     EXPECT_EQ(S_OK,

@@ -1,5 +1,6 @@
-// Whole pictures of the finished view against those that a human has accepted.
+// Whole pictures of the finished controls against those that a human has accepted.
 
+#include "picture/golden_meters.h"
 #include "picture/golden_views.h"
 #include "support/picture_compare.h"
 #include "support/win/picture_file.h"
@@ -18,6 +19,9 @@ namespace av::test {
 /// How a parameter reads in a test's name and output.
 void PrintTo(const GoldenView& view, std::ostream* out) {
   *out << view.name << ", " << view.sizePx.cx << " x " << view.sizePx.cy;
+}
+void PrintTo(const GoldenMeter& meter, std::ostream* out) {
+  *out << meter.name << ", " << meter.sizePx.cx << " x " << meter.sizePx.cy;
 }
 
 namespace {
@@ -41,9 +45,15 @@ const GoldenView& named(const std::string& name) {
   return *std::find_if(views.begin(), views.end(), [&](const GoldenView& view) { return view.name == name; });
 }
 
+const GoldenMeter& meterNamed(const std::string& name) {
+  const auto meters = goldenMeters();
+  return *std::find_if(meters.begin(), meters.end(), [&](const GoldenMeter& meter) { return meter.name == name; });
+}
+
 /// What tools/gallery makes its page of: NAME-actual.png, NAME-difference.png and NAME.json.
-void leaveForTheGallery(const GoldenView& view, const WindowPicture& actual,
-                        const std::optional<WindowPicture>& expected, const PictureDifference& found) {
+template <class Golden>
+void leaveForTheGallery(const Golden& view, const WindowPicture& actual, const std::optional<WindowPicture>& expected,
+                        const PictureDifference& found) {
   fs::create_directories(galleryFolder());
   const std::string stem = galleryFolder() + view.name;
   ASSERT_TRUE(writePng(actual, stem + "-actual.png")) << stem;
@@ -75,43 +85,67 @@ class GoldenTest : public DllTest {
     return stage.picture();
   }
 
-  static PictureDifference againstAccepted(const GoldenView& view, const WindowPicture& actual) {
+  static void unchangedMeter(GoldenMeterStage&) {}
+
+  WindowPicture drawn(const GoldenMeter& meter, void (*last)(GoldenMeterStage&) = unchangedMeter) {
+    GoldenMeterStage stage(create<IAudioVisualization4Type2>(CLSID_CAudioVisualization4Type2));
+    stage.open(meter.sizePx);
+    meter.prepare(stage);
+    last(stage);
+    EXPECT_EQ(S_OK, stage->Repaint());
+    return stage.picture();
+  }
+
+  template <class Golden>
+  static PictureDifference againstAccepted(const Golden& view, const WindowPicture& actual) {
     const auto expected = readPng(goldenFolder() + view.name + ".png");
     return expected ? comparePictures(pixelsOf(*expected), pixelsOf(actual)) : PictureDifference{};
+  }
+
+  template <class Golden>
+  void expectAsAccepted(const Golden& view) {
+    SetProcessDPIAware();
+    if (avhost::screenDpi().cx != view.dpi) GTEST_SKIP() << "this one is of a display of " << view.dpi << " DPI";
+    const WindowPicture actual = drawn(view);
+    ASSERT_EQ(view.sizePx.cx, actual.width);
+    ASSERT_EQ(view.sizePx.cy, actual.height);
+    const auto expected = readPng(goldenFolder() + view.name + ".png");
+    const PictureDifference found = againstAccepted(view, actual);
+    leaveForTheGallery(view, actual, expected, found);
+    ASSERT_TRUE(expected) << "nobody has accepted a picture of this: see CONTRIBUTING.md";
+    EXPECT_TRUE(found.matches()) << described(found) << "; see build/gallery/index.html";
   }
 };
 
 class GoldenPictures : public GoldenTest, public testing::WithParamInterface<GoldenView> {};
+class GoldenMeterPictures : public GoldenTest, public testing::WithParamInterface<GoldenMeter> {};
 
-TEST_P(GoldenPictures, LookAsAccepted) {
-  const GoldenView& view = GetParam();
-  SetProcessDPIAware();
-  if (avhost::screenDpi().cx != view.dpi) GTEST_SKIP() << "this one is of a display of " << view.dpi << " DPI";
-  const WindowPicture actual = drawn(view);
-  ASSERT_EQ(view.sizePx.cx, actual.width);
-  ASSERT_EQ(view.sizePx.cy, actual.height);
-  const auto expected = readPng(goldenFolder() + view.name + ".png");
-  const PictureDifference found = againstAccepted(view, actual);
-  leaveForTheGallery(view, actual, expected, found);
-  ASSERT_TRUE(expected) << "nobody has accepted a picture of this view: see CONTRIBUTING.md";
-  EXPECT_TRUE(found.matches()) << described(found) << "; see build/gallery/index.html";
+TEST_P(GoldenPictures, LookAsAccepted) { expectAsAccepted(GetParam()); }
+TEST_P(GoldenMeterPictures, LookAsAccepted) { expectAsAccepted(GetParam()); }
+
+template <class Golden>
+std::vector<Golden> ofDisplay(std::span<const Golden> all, int dpi) {
+  std::vector<Golden> some;
+  for (const Golden& one : all)
+    if (one.dpi == dpi) some.push_back(one);
+  return some;
 }
 
-std::vector<GoldenView> viewsOfDisplay(int dpi) {
-  std::vector<GoldenView> views;
-  for (const GoldenView& view : goldenViews())
-    if (view.dpi == dpi) views.push_back(view);
-  return views;
-}
-
-std::string testName(const testing::TestParamInfo<GoldenView>& info) {
+template <class Golden>
+std::string testName(const testing::TestParamInfo<Golden>& info) {
   std::string name = info.param.name;
   std::replace(name.begin(), name.end(), '-', '_');
   return name;
 }
 
-INSTANTIATE_TEST_SUITE_P(Display96, GoldenPictures, testing::ValuesIn(viewsOfDisplay(96)), testName);
-INSTANTIATE_TEST_SUITE_P(Display192, GoldenPictures, testing::ValuesIn(viewsOfDisplay(192)), testName);
+INSTANTIATE_TEST_SUITE_P(Display96, GoldenPictures, testing::ValuesIn(ofDisplay(goldenViews(), 96)),
+                         testName<GoldenView>);
+INSTANTIATE_TEST_SUITE_P(Display192, GoldenPictures, testing::ValuesIn(ofDisplay(goldenViews(), 192)),
+                         testName<GoldenView>);
+INSTANTIATE_TEST_SUITE_P(Display96, GoldenMeterPictures, testing::ValuesIn(ofDisplay(goldenMeters(), 96)),
+                         testName<GoldenMeter>);
+INSTANTIATE_TEST_SUITE_P(Display192, GoldenMeterPictures, testing::ValuesIn(ofDisplay(goldenMeters(), 192)),
+                         testName<GoldenMeter>);
 
 // What the comparison is worth: each of these is a mistake that a golden picture has to find.
 
@@ -229,13 +263,35 @@ TEST_F(GoldenMistakes, AnotherColourOfOneCurveOrOfTheGridIsFound) {
   EXPECT_FALSE(passes(view, drawn(view, unchanged, [](GoldenStage& stage) { stage->put_GridColor(0x707070); })));
 }
 
+TEST_F(GoldenMistakes, AnotherPropertyOfTheMeterIsFound) {
+  constexpr void (*changes[])(GoldenMeterStage&) = {
+      [](GoldenMeterStage& meter) { meter->put_TickVisible(VARIANT_FALSE); },
+      [](GoldenMeterStage& meter) { meter->put_MidPoint(56); },
+      [](GoldenMeterStage& meter) { meter->put_HighPoint(76); },
+      [](GoldenMeterStage& meter) { meter->put_SpotHeight(6); },
+      [](GoldenMeterStage& meter) { meter->put_SpotInterval(3); },
+      [](GoldenMeterStage& meter) { meter->put_LineInterval(2); },
+      [](GoldenMeterStage& meter) { meter->put_BorderWidth(5); },
+      [](GoldenMeterStage& meter) { meter->put_BorderType(2); },
+      [](GoldenMeterStage& meter) { meter->put_BackLineMidColor(0); },
+      [](GoldenMeterStage& meter) { meter->put_LineType(1); },
+      [](GoldenMeterStage& meter) { meter->put_AlignmentX(1); },
+  };
+  const GoldenMeter& meter = meterNamed("meter-dark");
+  ASSERT_TRUE(againstAccepted(meter, drawn(meter)).matches());
+  for (std::size_t i = 0; i < std::size(changes); ++i)
+    EXPECT_FALSE(againstAccepted(meter, drawn(meter, changes[i])).matches()) << i;
+}
+
 // The folder of accepted pictures.
 
-TEST(GoldenFolder, HoldsOnePictureForEachViewAndNoOthers) {
+TEST(GoldenFolder, HoldsOnePictureForEachViewAndMeterAndNoOthers) {
   std::set<std::string> files, views;
   for (const auto& entry : fs::directory_iterator(goldenFolder())) files.insert(entry.path().filename().string());
   for (const GoldenView& view : goldenViews())
     EXPECT_TRUE(views.insert(std::string(view.name) + ".png").second) << view.name << " is there twice";
+  for (const GoldenMeter& meter : goldenMeters())
+    EXPECT_TRUE(views.insert(std::string(meter.name) + ".png").second) << meter.name << " is there twice";
   EXPECT_EQ(views, files);
 }
 
