@@ -51,7 +51,7 @@ GpPen* FramePainter::pen(Argb colour, int widthPx) noexcept {
   const int shownPx = std::max(widthPx, 1);
   if (!m_pen) {
     m_pen = createPen(colour, static_cast<REAL>(shownPx));
-    // Mitred, a steep peak would reach up to ten widths above its level.
+    // Mitred, a steep peak would reach up to five widths above its level.
     if (m_pen && GdipSetPenLineJoin(m_pen.get(), LineJoinRound) != Ok) m_pen.reset();
   } else if ((colour != m_penColour && GdipSetPenColor(m_pen.get(), colour) != Ok) ||
              (shownPx != m_penWidthPx && GdipSetPenWidth(m_pen.get(), static_cast<REAL>(shownPx)) != Ok)) {

@@ -4,6 +4,7 @@
 #include "host/view_test.h"
 #include "support/win/holdings.h"
 #include "support/win/import_probe.h"
+#include "support/win/waste_probes.h"
 
 #include <objidl.h>
 #include <propidl.h>
@@ -21,52 +22,6 @@
 
 namespace av::test {
 namespace {
-
-const std::vector<std::string> allocators = {
-    "malloc",           "calloc",         "realloc",           "_strdup",
-    "_wcsdup",          "HeapAlloc",      "HeapReAlloc",       "HeapCreate",
-    "LocalAlloc",       "GlobalAlloc",    "VirtualAlloc",      "CoTaskMemAlloc",
-    "CoTaskMemRealloc", "SysAllocString", "SysAllocStringLen", "SysAllocStringByteLen",
-    "??2@YAPAXI@Z",     "??2@YAPEAX_K@Z"};
-
-/// Imports that make something, with those that end it.
-struct Pair {
-  std::vector<std::string> makers;
-  std::vector<std::string> enders;
-};
-
-const std::vector<Pair> gdiplusPairs = {
-    {{"GdiplusStartup"}, {"GdiplusShutdown"}},
-    {{"GdipCreateBitmapFromResource", "GdipCreateBitmapFromScan0"}, {"GdipDisposeImage"}},
-    {{"GdipGetImageGraphicsContext"}, {"GdipDeleteGraphics"}},
-    {{"GdipCreatePen1"}, {"GdipDeletePen"}},
-    {{"GdipCreateSolidFill"}, {"GdipDeleteBrush"}},
-    {{"GdipCreateStringFormat"}, {"GdipDeleteStringFormat"}},
-    {{"GdipCreateFont"}, {"GdipDeleteFont"}},
-    {{"GdipCreateFontFamilyFromName", "GdipCloneFontFamily", "GdipGetGenericFontFamilySansSerif"},
-     {"GdipDeleteFontFamily"}},
-};
-
-std::vector<std::string> namesIn(const std::vector<Pair>& pairs) {
-  std::vector<std::string> names;
-  for (const Pair& pair : pairs) {
-    names.insert(names.end(), pair.makers.begin(), pair.makers.end());
-    names.insert(names.end(), pair.enders.begin(), pair.enders.end());
-  }
-  return names;
-}
-
-/// GDI+ objects that a module has made and not ended since the probe came, one number a kind. Makers that fail count, so
-/// this is for makers that succeed.
-std::vector<long> liveObjects(const ImportProbe& probe) {
-  std::vector<long> live;
-  for (const Pair& pair : gdiplusPairs) {
-    live.push_back(0);
-    for (const std::string& maker : pair.makers) live.back() += probe.calls(maker);
-    for (const std::string& ender : pair.enders) live.back() -= probe.calls(ender);
-  }
-  return live;
-}
 
 // Functions of their own: a compiler may read an import's address once for a whole function, before the probe comes.
 
@@ -183,19 +138,6 @@ class ViewWaste : public ViewTest, public testing::WithParamInterface<Look> {
       ASSERT_EQ(S_OK, m_container.resize({150 + i % 50, 100 + i % 37}));
       UpdateWindow(m_container.controlWindow());
       if (i % 4 == 0) play();
-    }
-  }
-
-  /// The repaint timer's first call gives COM an event and more for its thread. It comes 60 ms after the activation, or
-  /// later on a busy machine: messages are dispatched until nothing has come any more for a while.
-  static void awaitTheTimersFirstCall() {
-    Holdings last = Holdings::now();
-    for (int quiet = 0; quiet < 6; ++quiet) {
-      avhost::pumpMessages(50);
-      if (Holdings now = Holdings::now(); now != last) {
-        last = std::move(now);
-        quiet = 0;
-      }
     }
   }
 
