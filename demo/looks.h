@@ -26,6 +26,9 @@ struct Look {
 /// The view as it comes, and in colours of the host's own: a dark and a light theme.
 std::span<const Look> viewLooks();
 
+/// The level meter, in the same way.
+std::span<const Look> meterLooks();
+
 /// Those of every control.
 std::vector<Look> allLooks();
 

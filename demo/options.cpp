@@ -11,7 +11,7 @@ const wchar_t usage[] =
     L"avdemo [--out DIR] [--size WxH] [--look NAME]... [--registered] [WAV...]\n"
     L"Hosts a control in a window, plays each recording into it block by block and saves what the window shows, once "
     L"for\n"
-    L"each look: NAME-waveform.png, NAME-spectrum-dark.png and so on. Without a recording it plays a generated tone.\n"
+    L"each look: NAME-waveform.png, NAME-meter-dark.png and so on. Without a recording it plays a generated tone.\n"
     L"  --out DIR     folder of the pictures (default: the current one)\n"
     L"  --size WxH    size of the control in pixels, 80x50 to 4096x4096\n"
     L"  --look NAME   only this look, and others that are given in the same way\n"

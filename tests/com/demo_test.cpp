@@ -244,16 +244,37 @@ TEST_F(Demo, DrawsEighteenChannelsOf24Bits) {
   EXPECT_GT(waveform.count(0xA9A9A9), 300) << "grid";
 }
 
-TEST_F(Demo, DrawsEveryViewInEveryThemeWithoutBeingAsked) {
+TEST_F(Demo, DrawsEveryLookOfEveryControlWithoutBeingAsked) {
   writeFile(folder / L"all.wav", sineFile(2, 16));
   const Outcome outcome = runDemo(folder, L"all.wav");
   EXPECT_EQ(0u, outcome.exitCode) << outcome.errors;
-  EXPECT_EQ(19, picturesIn(folder));
-  for (const wchar_t* look :
-       {L"waveform", L"spectrum", L"octaves", L"bars-3", L"bars-4", L"bars-5", L"xy-6", L"xy-7"}) {
+  EXPECT_EQ(19 + 18, picturesIn(folder));
+  for (const wchar_t* look : {L"waveform", L"spectrum", L"octaves", L"bars-3", L"bars-4", L"bars-5", L"xy-6", L"xy-7",
+                              L"meter", L"meter-dots", L"meter-gradients", L"meter-mirrored-dark", L"meter-light"}) {
     const Picture picture = loadPicture((folder / L"all-").wstring() + look + dpiSuffix() + L".png");
     EXPECT_GT(picture.colours.size(), 2u) << std::filesystem::path(look).string();
   }
+}
+
+TEST_F(Demo, ShowsTheTicksOfTheMeterHoldAndFallAfterTheSound) {
+  writeFile(folder / L"tone.wav", sineFile(2, 16));
+  const Outcome outcome = runDemo(folder, L"--look meter-peaks-dark tone.wav");
+  EXPECT_EQ(0u, outcome.exitCode) << outcome.errors;
+  ASSERT_EQ(4, picturesIn(folder));
+  // Lit segments: the most with the sound, then ticks alone, and in the end none of the tone's.
+  std::vector<int> lit;
+  for (const wchar_t* number : {L"1", L"2", L"3", L"4"}) {
+    const Picture picture =
+        loadPicture((folder / L"tone-meter-peaks-dark-").wstring() + number + dpiSuffix() + L".png");
+    int bright = 0;
+    for (const auto& [colour, count] : picture.colours) bright += (colour & 0xFF) > 0x80 ? count : 0;
+    lit.push_back(bright);
+  }
+  EXPECT_GT(lit[0], 3 * lit[1]);
+  EXPECT_GT(lit[1], 0);
+  EXPECT_LE(lit[2], lit[1]);
+  EXPECT_LE(lit[3], lit[2]);
+  EXPECT_LT(lit[3], lit[1]);
 }
 
 TEST_F(Demo, GoesOnAfterABadFile) {
