@@ -5,6 +5,7 @@
 #include "host/container.h"
 #include "host/create.h"
 #include "host/message_pump.h"
+#include "host/process_threads.h"
 #include "host/window_picture.h"
 #include "support/win/dll.h"
 #include "support/win/registry_snapshot.h"
@@ -13,7 +14,6 @@
 
 #include <QELAudioVisualization4.h>
 #include <gtest/gtest.h>
-#include <tlhelp32.h>
 #include <wrl/client.h>
 
 #include <cmath>
@@ -42,17 +42,6 @@ RegistryEntries ourEntries() {
     all.merge(snapshotOfClasses(L"CLSID\\" + braced(clsid)));
   all.merge(snapshotOfClasses(L"TypeLib\\" + braced(LIBID_QELAudioVisualization4)));
   return all;
-}
-
-int threadsOfThisProcess() {
-  const HANDLE snapshot = CreateToolhelp32Snapshot(TH32CS_SNAPTHREAD, 0);
-  THREADENTRY32 entry{};
-  entry.dwSize = sizeof entry;
-  int count = 0;
-  for (BOOL more = Thread32First(snapshot, &entry); more; more = Thread32Next(snapshot, &entry))
-    if (entry.th32OwnerProcessID == GetCurrentProcessId()) ++count;
-  CloseHandle(snapshot);
-  return count;
 }
 
 /// A loud block of one channel: with the type 2 and smoothing on, each tick lifts the curve.

@@ -175,23 +175,21 @@ TEST_F(TimerOnAnyThread, DropsStartsOnceItIsCutLoose) {
   EXPECT_FALSE(m_control->timer.allowStartOnAnyThread());
 }
 
+DWORD WINAPI startAndStopOverAndOver(void* argument) {
+  auto& timer = *static_cast<FakeTimer*>(argument);
+  for (int round = 0; round < 40; ++round) {
+    timer.Start(5);
+    Sleep(static_cast<DWORD>(round % 3));
+    timer.clearRunning();
+  }
+  timer.Start(5);
+  return 0;
+}
+
 TEST_F(TimerOnAnyThread, FindsEveryWorkerThatThreadsStartedAgainstEachOther) {
   std::vector<UniqueHandle> hosts;
-  for (int i = 0; i < 4; ++i) {
-    hosts.emplace_back(CreateThread(
-        nullptr, 0,
-        +[](void* argument) -> DWORD {
-          auto& timer = *static_cast<FakeTimer*>(argument);
-          for (int round = 0; round < 40; ++round) {
-            timer.Start(5);
-            Sleep(static_cast<DWORD>(round % 3));
-            timer.clearRunning();
-          }
-          timer.Start(5);
-          return 0;
-        },
-        &m_control->timer, 0, nullptr));
-  }
+  for (int i = 0; i < 4; ++i)
+    hosts.emplace_back(CreateThread(nullptr, 0, &startAndStopOverAndOver, &m_control->timer, 0, nullptr));
   for (const UniqueHandle& host : hosts)
     ASSERT_TRUE(dispatchUntil([&] { return WaitForSingleObject(host.get(), 0) == WAIT_OBJECT_0; }));
   const std::size_t before = ticks();
@@ -231,10 +229,10 @@ TEST_F(TimerWithoutTable, MarshalsForItselfOnTheControlsThread) {
   EXPECT_TRUE(waitForTicks(3));
 }
 
+DWORD WINAPI startOnce(void* timer) { return static_cast<FakeTimer*>(timer)->Start(10); }
+
 TEST_F(TimerWithoutTable, IsNotStartedByOtherThreadsAndStillCanBeHere) {
-  const UniqueHandle host(CreateThread(
-      nullptr, 0, +[](void* timer) -> DWORD { return static_cast<FakeTimer*>(timer)->Start(10); }, &m_control->timer, 0,
-      nullptr));
+  const UniqueHandle host(CreateThread(nullptr, 0, &startOnce, &m_control->timer, 0, nullptr));
   WaitForSingleObject(host.get(), INFINITE);
   EXPECT_EQ(0, m_platform.threadsCreated);
   m_control->timer.Start(10);
