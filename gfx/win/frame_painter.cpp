@@ -76,21 +76,10 @@ bool FramePainter::fill(std::span<const FilledRect> rects) noexcept {
 
 bool FramePainter::fill(std::span<const ColumnFill> fills, std::span<const PreparedColumn> columns) noexcept {
   if (!m_surface.graphics()) return false;
-  const Size picture = m_surface.size();
-  const std::span<Argb> pixels = m_surface.pixels();
+  const Pixels picture{m_surface.pixels(), m_surface.size()};
   for (const ColumnFill& part : fills) {
     if (part.column < 0 || static_cast<std::size_t>(part.column) >= columns.size()) continue;
-    const PreparedColumn column = columns[static_cast<std::size_t>(part.column)];
-    const std::int64_t left = std::max(part.rect.left, 0);
-    const std::int64_t right = std::min(part.rect.right, picture.widthPx);
-    if (left >= right) continue;
-    const std::int64_t columnTop = std::int64_t{part.rect.top} - part.firstRow;  // where its row 0 would lie
-    const std::int64_t top = std::max({std::int64_t{part.rect.top}, std::int64_t{0}, columnTop});
-    const std::int64_t bottom = std::min({std::int64_t{part.rect.bottom}, std::int64_t{picture.heightPx},
-                                          columnTop + static_cast<std::int64_t>(column.size())});
-    for (std::int64_t y = top; y < bottom; ++y)
-      std::fill_n(pixels.begin() + y * picture.widthPx + left, right - left,
-                  column[static_cast<std::size_t>(y - columnTop)]);
+    fillFromColumn(picture, part, columns[static_cast<std::size_t>(part.column)]);
   }
   return true;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "gfx/frame_parts.h"
+#include "gfx/pixels.h"
 #include "gfx/win/column_cache.h"
 #include "gfx/win/offscreen.h"
 #include "gfx/win/prepared_image.h"
@@ -8,9 +9,6 @@
 #include <span>
 
 namespace av {
-
-/// The colours of a prepared column from its top row down, opaque.
-using PreparedColumn = std::span<const Argb>;
 
 /// Replays frame parts into an off-screen picture, in the order of the calls. Every operation returns false at its first
 /// failure in GDI+ (out of memory, most of all) and throws nothing; the caller then keeps the previous picture.

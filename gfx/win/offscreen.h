@@ -2,6 +2,7 @@
 
 #include "gfx/argb.h"
 #include "gfx/geometry.h"
+#include "gfx/win/dib_surface.h"
 #include "gfx/win/gdiplus_handles.h"
 
 #include <span>
@@ -26,7 +27,7 @@ class OffscreenSurface {
   /// Frees the picture. Has to happen before the GDI+ token ends.
   void release() noexcept;
 
-  Size size() const noexcept { return m_size; }
+  Size size() const noexcept { return m_dib.size(); }
 
   /// The drawing surface: low-quality interpolation (1), no smoothing (3). Null before the first resize.
   Gdiplus::GpGraphics* graphics() const noexcept { return m_graphics.get(); }
@@ -44,11 +45,7 @@ class OffscreenSurface {
   bool copyTo(HDC target, Point position) const noexcept;
 
  private:
-  Size m_size;
-  HDC m_dc = nullptr;
-  HBITMAP m_dib = nullptr;
-  HGDIOBJ m_previousBitmap = nullptr;
-  Argb* m_pixels = nullptr;
+  DibSurface m_dib;
   BitmapHandle m_bitmap;
   GraphicsHandle m_graphics;
 };

@@ -83,12 +83,12 @@ FontHandle fontOfAnyFamily(float points, int style) {
 
 }  // namespace
 
-ComPtr<IFontDisp> createDefaultScaleFont() noexcept {
+ComPtr<IFontDisp> createDefaultScaleFont(int points) noexcept {
   wchar_t face[] = L"Arial";
   FONTDESC description{};
   description.cbSizeofstruct = sizeof description;
   description.lpstrName = face;
-  description.cySize.int64 = 60000;  // 6 points: currency values count ten-thousandths
+  description.cySize.int64 = LONGLONG{points} * 10000;  // currency values count ten-thousandths
   description.sWeight = FW_NORMAL;
   description.sCharset = DEFAULT_CHARSET;
   ComPtr<IFontDisp> font;
@@ -112,7 +112,8 @@ LOGFONTW describeScaleFont(IUnknown* font) noexcept {
 
 bool sameFont(const LOGFONTW& a, const LOGFONTW& b) noexcept {
   return a.lfHeight == b.lfHeight && a.lfWeight == b.lfWeight && a.lfItalic == b.lfItalic &&
-         a.lfUnderline == b.lfUnderline && std::wcscmp(a.lfFaceName, b.lfFaceName) == 0;
+         a.lfUnderline == b.lfUnderline && a.lfStrikeOut == b.lfStrikeOut && a.lfCharSet == b.lfCharSet &&
+         std::wcscmp(a.lfFaceName, b.lfFaceName) == 0;
 }
 
 FontHandle createScaleFont(IUnknown* font) {

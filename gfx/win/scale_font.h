@@ -7,8 +7,8 @@
 
 namespace av {
 
-/// The font of fresh controls as an OLE font object: Arial, 6 points. Null when the system fails.
-Microsoft::WRL::ComPtr<IFontDisp> createDefaultScaleFont() noexcept;
+/// The font of fresh controls as an OLE font object: Arial. Null when the system fails.
+Microsoft::WRL::ComPtr<IFontDisp> createDefaultScaleFont(int points = 6) noexcept;
 
 /// `object` as a font object, counted; null for what is none.
 Microsoft::WRL::ComPtr<IFontDisp> asScaleFont(IUnknown* object) noexcept;
