@@ -128,13 +128,25 @@ TEST_F(MeterBarPictures, EverySizeOfTheWindowHasItsOwnLayout) {
   }
 }
 
-TEST_F(MeterBarPictures, WithAutoSizeTheBarsFillTheControlFromItsCorner) {
+TEST_F(MeterBarPictures, WithAutoSizeWholeLinesAndSegmentsFillTheControlFromItsCorner) {
   open(211, 127, 20);
   putColours();
   sendSounds();
   ASSERT_EQ(S_OK, m_meter->put_AutoSize(VARIANT_TRUE));
   m_settings.autoSize = -1;
+  // 20 lines of 9 and 19 pixels between; 42 segments of 2 and 41 gaps; a margin of 1.
+  WindowPicture shown = picture();
+  EXPECT_EQ(20 * 9 + 19 + 2, shown.width);
+  EXPECT_EQ(42 * 2 + 41 + 2, shown.height);
   expectBars();
+  ASSERT_EQ(S_OK, m_meter->put_AutoSize(VARIANT_FALSE));
+  ASSERT_EQ(S_OK, m_container.resize({211, 127}));
+  putMode(1, 1);
+  ASSERT_EQ(S_OK, m_meter->put_AutoSize(VARIANT_TRUE));
+  shown = picture();  // mirrored: a segment in the centre
+  EXPECT_EQ(20 * 9 + 19 + 2, shown.width);
+  EXPECT_EQ(41 * 2 + 40 + 2, shown.height);
+  expectBars("mirrored");
 }
 
 TEST_F(MeterBarPictures, MoreLinesThanLevelsAreDarkWhereThereIsNoNumber) {

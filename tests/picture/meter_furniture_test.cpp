@@ -3,6 +3,8 @@
 #include "picture/meter_picture_fixture.h"
 #include "support/line_oracle.h"
 
+#include <limits>
+
 namespace av::test {
 namespace {
 
@@ -77,6 +79,36 @@ TEST_F(MeterFurniturePictures, ModesThatDoNotExistShowBackgroundAndBorderOnly) {
   }
   putMode(0);
   EXPECT_NE("", differences(expected, picture()));
+}
+
+TEST_F(MeterFurniturePictures, SizesBeyondReasonDoNoHarm) {
+  open(203, 121, 20);
+  putColours();
+  sendSounds();
+  constexpr LONG highest = std::numeric_limits<LONG>::max();
+  constexpr LONG lowest = std::numeric_limits<LONG>::min();
+  for (const int alignmentX : {0, 1}) {
+    for (const int lineType : {0, 1, 2, 4, 5}) {
+      putMode(lineType, alignmentX);
+      const WindowPicture before = picture();
+      for (const LONG value : {highest, 40000l, 0l, -1l, -40000l, lowest}) {
+        ASSERT_EQ(S_OK, m_meter->put_BorderWidth(value));
+        picture();
+        ASSERT_EQ(S_OK, m_meter->put_SpotHeight(value));
+        picture();
+        ASSERT_EQ(S_OK, m_meter->put_BorderWidth(0));
+        picture();
+        ASSERT_EQ(S_OK, m_meter->put_SpotInterval(value));
+        ASSERT_EQ(S_OK, m_meter->put_LineInterval(value));
+        picture();
+        ASSERT_EQ(S_OK, m_meter->put_SpotHeight(2));
+        picture();
+        ASSERT_EQ(S_OK, m_meter->put_SpotInterval(1));
+        ASSERT_EQ(S_OK, m_meter->put_LineInterval(1));
+        EXPECT_EQ(before, picture()) << lineType << ", " << value;
+      }
+    }
+  }
 }
 
 TEST_F(MeterFurniturePictures, AWindowOfNoRoomShowsItsBackground) {

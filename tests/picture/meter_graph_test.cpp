@@ -179,6 +179,19 @@ TEST_F(MeterGraphPictures, MirroredSmoothGraphsAreTheSameUpAndDown) {
   EXPECT_EQ(shown, picture()) << "type 14 is drawn as type 13";
 }
 
+TEST_F(MeterGraphPictures, TheTypesOfTheMirroredGraphsAreModesOfTheirOwnToo) {
+  open(203, 121, 20);
+  sendSounds();
+  for (const int lineType : {4, 5, 6}) {
+    putMode(lineType, 1);
+    const WindowPicture mirrored = picture();
+    putMode(lineType + 8);
+    EXPECT_EQ(mirrored, picture()) << lineType + 8;
+    putMode(lineType + 8, 1);
+    EXPECT_EQ(mirrored, picture()) << lineType + 8 << ", mirrored";
+  }
+}
+
 TEST_F(MeterGraphPictures, SilenceIsALineAtTheBottomAndFullScaleReachesTheTop) {
   open(78, 93, 7);
   putSegments(1, 1);
