@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <span>
 
 namespace av::type2 {
 namespace {
@@ -71,12 +72,30 @@ std::size_t insertedPoints(const MeterGeometry& geometry) noexcept {
   return stepPx >= 3 ? static_cast<std::size_t>(stepPx) : 0;
 }
 
+/// Of points one above the other in a row, only the first, the highest, the lowest and the last one leave something that
+/// the others do not: a graph costs no more than its pixels, however many lines there are. Returns how many are left.
+std::size_t dropHiddenPoints(std::span<Point> points) noexcept {
+  std::size_t kept = 0;
+  for (std::size_t begin = 0, end = 0; begin < points.size(); begin = end) {
+    while (end < points.size() && points[end].x == points[begin].x) ++end;
+    const std::span<const Point> column = points.subspan(begin, end - begin);
+    if (column.size() > 4) {
+      const auto [highest, lowest] = std::ranges::minmax(column, {}, &Point::y);
+      for (const Point point : {column.front(), highest, lowest, column.back()}) points[kept++] = point;
+    } else {
+      for (const Point point : column) points[kept++] = point;
+    }
+  }
+  return kept;
+}
+
 /// One polyline through `count` levels, with `inserted` points between any two.
 template <class LevelOf>
 void addPolyline(Polylines& graphs, Argb colour, int widthPx, const Scale& scale, std::size_t count,
                  std::size_t inserted, LevelOf levelOf) {
   const Curve curve(levelOf, count);
-  auto point = graphs.add(colour, count + (count - 1) * inserted, widthPx).begin();
+  const std::span<Point> points = graphs.add(colour, count + (count - 1) * inserted, widthPx);
+  auto point = points.begin();
   for (std::size_t i = 0; i < count; ++i) {
     *point++ = scale.at(static_cast<double>(i), curve.level(i));
     if (i + 1 == count) break;
@@ -85,6 +104,9 @@ void addPolyline(Polylines& graphs, Argb colour, int widthPx, const Scale& scale
       *point++ = scale.at(static_cast<double>(i) + t, curve.between(i, t));
     }
   }
+  Polyline& line = graphs.lines.back();
+  line.pointCount = dropHiddenPoints(points);
+  graphs.points.resize(line.firstPoint + line.pointCount);
 }
 
 }  // namespace

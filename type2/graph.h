@@ -15,7 +15,8 @@ namespace av::type2 {
 /// upward and once downward from the centre line. Nothing is appended where the inner area is empty.
 ///
 /// There is one point a line, from the inner area's left edge to its right one; levels stop at its bottom (−91 dB and
-/// less, and values that are no number) and at its top (0 dB and more).
+/// less, and values that are no number) and at its top (0 dB and more). Where more than four lines share a pixel column,
+/// points that others hide are left out.
 ///
 /// The smoothed graph has as many points more between any two as there are pixels from one line to the next, if these are
 /// at least 3. They lie on piecewise cubics that keep the levels and never leave the range between two neighbours

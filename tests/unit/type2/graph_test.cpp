@@ -1,11 +1,16 @@
 #include "type2/graph.h"
 
+#include "support/line_oracle.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 #include <random>
+#include <set>
+#include <span>
+#include <utility>
 #include <vector>
 
 namespace av::type2 {
@@ -178,6 +183,47 @@ TEST_F(MeterGraph, SmoothedIsAStraightLineThroughLevelsOnALine) {
     const double expected = 1 + (401 - point.x) * 0.2 * 400 / 91;
     EXPECT_NEAR(point.y, expected, 2.0) << point.x;
   }
+}
+
+/// Every pixel of the first graph's polyline.
+std::set<std::pair<int, int>> inkOf(std::span<const Point> points) {
+  std::set<std::pair<int, int>> ink;
+  test::forEachLinePixel(points, [&](Point p) { ink.insert({p.x, p.y}); });
+  return ink;
+}
+
+TEST_F(MeterGraph, OfMoreLinesThanPixelsHasFourPointsAColumnAndTheSamePixels) {
+  std::mt19937 random(6);
+  for (const std::size_t count : {150u, 450u, 5000u, 48000u}) {
+    lines.assign(count, {});
+    for (LineInfo& line : lines) line.value = -static_cast<double>(random() % 9100) / 100;
+    settings.lineInterval = 0;
+    build(102, 202);
+    const auto drawn = points(0);
+    EXPECT_LE(drawn.size(), std::min<std::size_t>(count, 4 * 101));
+    std::vector<Point> all;  // inner area: 1 to 101 and 1 to 201
+    for (std::size_t i = 0; i < count; ++i) {
+      const double step = 100.0 / static_cast<double>(count - 1);
+      all.push_back({static_cast<int>(static_cast<double>(i) * step + 1),
+                     static_cast<int>(201 - (lines[i].value + 91) * 200 / 91)});
+    }
+    EXPECT_EQ(all.front(), drawn.front());
+    EXPECT_EQ(all.back(), drawn.back());
+    EXPECT_EQ(inkOf(all), inkOf(drawn)) << count;
+  }
+}
+
+TEST_F(MeterGraph, KeepsBothPolylinesOfACrowdedGraphApart) {
+  settings.tickVisible = 1;
+  settings.lineInterval = 0;
+  lines.assign(3000, {});
+  for (LineInfo& line : lines) line.peak = -10;
+  build(102, 202);
+  ASSERT_EQ(graphs.lines.size(), 2u);
+  EXPECT_EQ(graphs.lines[1].firstPoint, graphs.lines[0].pointCount);
+  EXPECT_EQ(graphs.points.size(), graphs.lines[0].pointCount + graphs.lines[1].pointCount);
+  for (const Point& point : points(0)) EXPECT_EQ(point.y, 22);  // 201 − 81 · 200 ÷ 91 = 22.98
+  for (const Point& point : points(1)) EXPECT_EQ(point.y, 201);
 }
 
 TEST_F(MeterGraph, IsNoneWithoutRoomOrLines) {
