@@ -46,6 +46,8 @@ struct AnalyserSettings {
   std::int32_t alignmentY = 0;  ///< 1: columns grow up and down from the middle
   std::int32_t viewType = 0;    ///< 0 columns, 2 spots; 1 and 3 the same with gradients
   std::int16_t autoSize = -1;   ///< nothing but a redraw follows it
+
+  friend bool operator==(const AnalyserSettings&, const AnalyserSettings&) = default;
 };
 
 /// Whether an automation boolean switches something on in this control: only −1 does.

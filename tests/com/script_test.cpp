@@ -245,25 +245,46 @@ If Err.Number = 0 Then WScript.Echo "no error"
 )"));
 }
 
-TEST_F(VbScript, ReadsThatUnfinishedPropertiesAreNotImplemented) {
-  // 445: the engine's number for E_NOTIMPL.
-  EXPECT_EQ("445\n445\n445\n445\n0\n", withView(R"(
+TEST_F(VbScript, DrivesTheSpectrumAnalyser) {
+  EXPECT_EQ(
+      "512 60 True\nHann False 11\nKaiser True 4.5\n"
+      "MidPoint: the value must be 0 to 100.\nFFTLength: the value must be a power of two.\n"
+      "BackColor: the system knows no such colour.\n60 512 255\nrefused\nArial\nbold\nno error\n",
+      vbScript(R"(
+Option Explicit
+Dim analyser
+Set analyser = GetObject("new:{2F06E1AA-C0F0-488C-A6DD-799053CA7140}")
+WScript.Echo analyser.FFTLength & " " & analyser.LineCount & " " & analyser.AutoRepaint
+WScript.Echo analyser.FFTWindowName & " " & analyser.HasWindowParam & " " & analyser.FFTWindowCount
+analyser.FFTWindowType = "10"
+analyser.FFTWindowParam = 4.5
+WScript.Echo analyser.fftwindowname & " " & analyser.HASWINDOWPARAM & " " & analyser.FFTWindowParam
+analyser.BackColor = 255
 On Error Resume Next
-Dim control, value
-Set control = GetObject("new:{2F06E1AA-C0F0-488C-A6DD-799053CA7140}")
+analyser.MidPoint = 101
+WScript.Echo Err.Description
 Err.Clear
-value = control.LineCount
-SayNumber
-control.LineCount = 20
-SayNumber
-value = control.BackColor
-SayNumber
-control.TickVisible = True
-SayNumber
-control.Repaint
-control.SendAudioData Nothing
-control.SendAudioData control
-SayNumber
+analyser.FFTLength = 1000
+WScript.Echo Err.Description
+Err.Clear
+analyser.BackColor = &H800000FF
+WScript.Echo Err.Description
+Err.Clear
+WScript.Echo analyser.MidPoint & " " & analyser.FFTLength & " " & analyser.BackColor
+analyser.FFTWindowName = "Boxcar"
+If Err.Number <> 0 Then WScript.Echo "refused"
+Err.Clear
+WScript.Echo analyser.ScaleFont.Name
+analyser.ScaleFont.Bold = True
+If analyser.ScaleFont.Bold Then WScript.Echo "bold"
+Set analyser.ScaleFont = Nothing
+Set analyser.ScaleFont = analyser
+analyser.ScaleFont = analyser.ScaleFont
+analyser.SendAudioData Nothing
+analyser.SendAudioData analyser
+analyser.SetAdditionalParam "anything", 5
+analyser.Repaint
+If Err.Number = 0 Then WScript.Echo "no error" Else WScript.Echo Err.Description
 )"));
 }
 
@@ -370,12 +391,17 @@ say(meter.AutoRepaint ? "on" : "off");
 )"));
 }
 
-TEST_F(JScript, ReadsThatUnfinishedPropertiesAreNotImplemented) {
-  EXPECT_EQ("80004001\n80004001\n", withView(R"(
-function number(work) { try { work(); say("done"); } catch (error) { say((error.number >>> 0).toString(16)); } }
+TEST_F(JScript, DrivesTheSpectrumAnalyser) {
+  EXPECT_EQ("512\n1024\nBlackman\nrefused\n1024\nno\n", withView(R"(
 var analyser = new ActiveXObject("QELAudioVisualization4.AudioVisualizati");
-number(function () { return analyser.FFTLength; });
-number(function () { analyser.FFTLength = 1024; });
+say(analyser.FFTLength);
+analyser.FFTLength = 1024;
+say(analyser.fftlength);
+analyser.FFTWindowType = 5;
+say(analyser.FFTWindowName);
+try { analyser.FFTLength = 1000; say("done"); } catch (error) { say("refused"); }
+say(analyser.FFTLength);
+say(analyser.HasWindowParam ? "yes" : "no");
 )"));
 }
 
