@@ -1,12 +1,14 @@
 #pragma once
 
+#include "dsp/aligned_doubles.h"
 #include "dsp/analysis_windows.h"
+#include "dsp/fft_kernel.h"
+#include "dsp/fft_plan.h"
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <vector>
 
 namespace av::dsp {
 
@@ -15,8 +17,8 @@ namespace av::dsp {
 /// Not for use by two threads at once.
 class CSpectrumAnalyzer {
  public:
-  /// N = 512 and the Hann window. Throws std::bad_alloc.
-  CSpectrumAnalyzer();
+  /// N = 512 and the Hann window. The spectra have the same bits with each of fftKernels(). Throws std::bad_alloc.
+  explicit CSpectrumAnalyzer(const FftKernel& kernel = *fftKernels().front());
 
   std::int32_t length() const noexcept { return m_length; }
 
@@ -53,14 +55,17 @@ class CSpectrumAnalyzer {
 
  private:
   void fillCoefficients() noexcept;
+  void computeShort(std::span<double> samples, std::span<double> power) noexcept;
 
+  const FftKernel* m_kernel;
   std::int32_t m_length = 0;
   std::uint32_t m_windowType = 2;
-  std::vector<double> m_even;
-  std::vector<double> m_odd;
-  std::vector<double> m_imaginary;
-  std::vector<double> m_real;
-  std::vector<double> m_coefficients;
+  FftPlan m_plan;
+  AlignedDoubles m_real;
+  AlignedDoubles m_imaginary;
+  AlignedDoubles m_mirrorReal;
+  AlignedDoubles m_mirrorImaginary;
+  AlignedDoubles m_coefficients;
   double m_windowPower = 0.0;
   std::array<WindowParameter, WindowTable.size()> m_parameters{};
 };

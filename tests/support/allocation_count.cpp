@@ -4,6 +4,10 @@
 #include <cstdlib>
 #include <new>
 
+#ifdef _WIN32
+#include <malloc.h>
+#endif
+
 namespace {
 
 std::atomic<std::uint64_t> count{0};
@@ -30,6 +34,25 @@ void* operator new(std::size_t size) {
   if (!memory) throw std::bad_alloc();
   return memory;
 }
+#ifdef _WIN32
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  count.fetch_add(1, std::memory_order_relaxed);
+  void* const memory = _aligned_malloc(size == 0 ? 1 : size, static_cast<std::size_t>(alignment));
+  if (!memory) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory, std::align_val_t) noexcept { _aligned_free(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { _aligned_free(memory); }
+#else
+void* operator new(std::size_t size, std::align_val_t alignment) {
+  count.fetch_add(1, std::memory_order_relaxed);
+  void* memory = nullptr;
+  if (posix_memalign(&memory, static_cast<std::size_t>(alignment), size) != 0) throw std::bad_alloc();
+  return memory;
+}
+void operator delete(void* memory, std::align_val_t) noexcept { std::free(memory); }
+void operator delete(void* memory, std::size_t, std::align_val_t) noexcept { std::free(memory); }
+#endif
 void operator delete(void* memory) noexcept { std::free(memory); }
 void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 #endif

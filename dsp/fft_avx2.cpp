@@ -1,0 +1,7 @@
+#include "dsp/fft_kernel_body.h"
+
+namespace av::dsp {
+
+constinit const FftKernel avx2FftKernel = FftKernelBody<4, 2, 2>::kernel("AVX2");
+
+}  // namespace av::dsp

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "dsp/fft_kernel.h"
+#include "dsp/fft_passes.h"
+#include "dsp/power_pass.h"
+
+namespace av::dsp {
+
+/// A kernel's functions; see FftKernel.
+template <int lanes, int firstStages, int mostStages>
+struct FftKernelBody {
+  static void transform(const FftSteps& steps, const double* realIn, const double* imaginaryIn, double* real,
+                        double* imaginary) noexcept {
+    if (imaginaryIn != nullptr) {
+      firstPass<lanes, firstStages>(steps, PlainInput<lanes, true>{realIn, imaginaryIn}, real, imaginary);
+    } else {
+      firstPass<lanes, firstStages>(steps, PlainInput<lanes, false>{realIn, nullptr}, real, imaginary);
+    }
+    laterPasses<lanes, mostStages>(steps, real, imaginary);
+  }
+
+  // NOLINTNEXTLINE(readability-non-const-parameter): the samples are written, but where templates hide it
+  static void transformWindowed(const FftSteps& steps, double* samples, const double* window, double* real,
+                                double* imaginary) noexcept {
+    firstPass<lanes, firstStages>(steps, WindowedInput<lanes>{samples, window}, real, imaginary);
+    laterPasses<lanes, mostStages>(steps, real, imaginary);
+  }
+
+  static void power(const PowerSteps& steps, double* bins) noexcept { powerPass<lanes>(steps, bins); }
+
+  static constexpr FftKernel kernel(const char* name) noexcept {
+    return {name, lanes, firstStages, mostStages, transform, transformWindowed, power};
+  }
+};
+
+}  // namespace av::dsp
