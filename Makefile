@@ -3,7 +3,7 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-full test-x86 build coverage lint format clean
+.PHONY: help demo test test-full test-x86 build bench coverage lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
@@ -14,6 +14,7 @@ help:
 	@echo "make test-full  all tests, the 32-bit ones too"
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
 	@echo "make build      the 64-bit and the 32-bit library: build/x64/bin, build/x86/bin"
+	@echo "make bench      times the spectrum kernels against the plain operations and FFTW: a table"
 	@echo "make coverage   line and branch coverage of the portable core"
 	@echo "make lint       formatting, clang-tidy, shell scripts, include arrows"
 	@echo "make format     formats the sources"
@@ -40,6 +41,11 @@ demo:
 	@tools/bootstrap.sh build demo
 	@tools/build x64 QELAudioVisualization4 avdemo
 	@tools/run-demo
+
+bench:
+	@tools/bootstrap.sh build bench
+	@tools/build bench power_spectrum_bench
+	@tools/bench
 
 coverage:
 	@tools/bootstrap.sh coverage
