@@ -92,7 +92,7 @@ TEST_F(MeterMemory, EndsAMeterThatCannotBeMadeAndLeavesNothing) {
     EXPECT_EQ(SUCCEEDED(made), meter != nullptr);
     EXPECT_TRUE(made == S_OK || made == E_OUTOFMEMORY) << std::hex << made;
     meter.Reset();
-    EXPECT_EQ(threads, threadsOfThisProcess());
+    EXPECT_GE(threads, threadsOfThisProcess());
   });
   EXPECT_LT(3, took) << "nothing was tested";
   m_meter.Reset();

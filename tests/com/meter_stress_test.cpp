@@ -128,7 +128,7 @@ TEST_F(FullMeterStress, AHundredMetersArePaintedInTimeAndLeaveNothing) {
   const auto [fewest, most] = std::minmax_element(paints.begin(), paints.end());
   std::cout << "paints of a meter: " << *fewest << " to " << *most << " in " << durationMs / 1000
             << " s, blocks: " << blocks << '\n';
-  EXPECT_EQ(threadsBefore, threadsOfThisProcess());
+  EXPECT_GE(threadsBefore, threadsOfThisProcess());
   EXPECT_EQ(holdingsBefore, Holdings::now());
   // Wine keeps a block of 2 KB whenever it has loaded a type library to marshal by, whoever marshals, and threads of the
   // system's take one now and then. A block kept by each meter would be a hundred, one by each block of audio thousands.
