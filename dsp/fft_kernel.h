@@ -25,13 +25,12 @@ struct FftSteps {
   std::uint32_t passCount;
 };
 
-/// What a kernel needs to know of the way from a transform of half the length to a power spectrum.
-struct PowerSteps {
+/// What a kernel needs to know of the last two stages of a transform of `points` points and the way from there to a power
+/// spectrum; see SpectrumPlan.
+struct SpectrumSteps {
   std::uint32_t points;
-  const double* real;
-  const double* imaginary;
-  const double* factorsReal;  ///< one each for k = 0 to points/2 − 1, of which the first is not used
-  const double* factorsImaginary;
+  const double* middleFactors;  ///< of the groups that are their own mirror images
+  const double* factors;        ///< of the other ones, in the order of use
   double divisor;
 };
 
@@ -49,17 +48,21 @@ struct FftKernel {
   void (*transform)(const FftSteps& steps, const double* realIn, const double* imaginaryIn, double* real,
                     double* imaginary) noexcept;
 
-  /// Multiplies twice as many `samples` by `window`, in place, and transforms them: the even ones are the real input, the
-  /// odd ones the imaginary input.
+  /// Transforms twice as many `samples`: the even ones are the real input, the odd ones the imaginary input.
+  void (*transformSamples)(const FftSteps& steps, const double* samples, double* real, double* imaginary) noexcept;
+
+  /// Multiplies the samples by `window`, in place, and transforms them. The factors that are 1 + 0i, all of the first
+  /// stage and half of the second, are not multiplied by. The result is that of transformSamples but for the signs of
+  /// zeros, unless a value on the way is not finite; then the result is not finite either.
   void (*transformWindowed)(const FftSteps& steps, double* samples, const double* window, double* real,
                             double* imaginary) noexcept;
 
-  /// Writes `steps.points` bins, divided by `steps.divisor`.
-  void (*power)(const PowerSteps& steps, double* power) noexcept;
+  /// Writes `steps.points` bins from a transform that lacks its last two stages. Whether the transform is finite.
+  bool (*power)(const SpectrumSteps& steps, const double* real, const double* imaginary, double* power) noexcept;
 };
 
 /// Kernels take transforms from so many points on.
-inline constexpr std::uint32_t shortestKernelTransform = 64;
+inline constexpr std::uint32_t shortestKernelTransform = 128;
 
 extern const FftKernel sse2FftKernel;
 extern const FftKernel avx2FftKernel;

@@ -2,7 +2,7 @@
 
 #include "dsp/fft_kernel.h"
 #include "dsp/fft_passes.h"
-#include "dsp/power_pass.h"
+#include "dsp/spectrum_pass.h"
 
 namespace av::dsp {
 
@@ -19,6 +19,11 @@ struct FftKernelBody {
     laterPasses<lanes, mostStages>(steps, real, imaginary);
   }
 
+  static void transformSamples(const FftSteps& steps, const double* samples, double* real, double* imaginary) noexcept {
+    firstPass<lanes, firstStages>(steps, SampleInput<lanes>{samples}, real, imaginary);
+    laterPasses<lanes, mostStages>(steps, real, imaginary);
+  }
+
   // NOLINTNEXTLINE(readability-non-const-parameter): the samples are written, but where templates hide it
   static void transformWindowed(const FftSteps& steps, double* samples, const double* window, double* real,
                                 double* imaginary) noexcept {
@@ -26,10 +31,12 @@ struct FftKernelBody {
     laterPasses<lanes, mostStages>(steps, real, imaginary);
   }
 
-  static void power(const PowerSteps& steps, double* bins) noexcept { powerPass<lanes>(steps, bins); }
+  static bool power(const SpectrumSteps& steps, const double* real, const double* imaginary, double* bins) noexcept {
+    return spectrumPass<lanes>(steps, real, imaginary, bins);
+  }
 
   static constexpr FftKernel kernel(const char* name) noexcept {
-    return {name, lanes, firstStages, mostStages, transform, transformWindowed, power};
+    return {name, lanes, firstStages, mostStages, transform, transformSamples, transformWindowed, power};
   }
 };
 

@@ -17,26 +17,34 @@ constexpr std::size_t reversedBits(std::size_t index, int bits) noexcept {
   return reversed;
 }
 
+/// Whether the factors that are 1 in the first two stages are multiplied by; see FftKernel::transformWindowed.
+enum class Ones { multiplied, skipped };
+
 /// Neighbouring stages on values in registers. `factors` gives the vectors of twiddle factors by their number.
-template <int lanes, int legs, int half = 1, class Factors>
+template <int lanes, int legs, Ones ones = Ones::multiplied, int half = 1, class Factors>
 AV_ALWAYS_INLINE void joinInRegisters(Vector<lanes> (&real)[legs], Vector<lanes> (&imaginary)[legs],
                                       Factors factors) noexcept {
   if constexpr (half < legs) {
     unrolled<half>([&]<int m>() AV_INLINED {
-      const auto ar = factors.real(half - 1 + m);
-      const auto ai = factors.imaginary(half - 1 + m);
+      constexpr bool isOne = ones == Ones::skipped && m == 0 && half <= 2;
       unrolled<legs / (2 * half)>([&]<int block>() AV_INLINED {
         constexpr int j = m + 2 * half * block;
         constexpr int k = j + half;
-        const Vector<lanes> tr = ar * real[k] - ai * imaginary[k];
-        const Vector<lanes> ti = ar * imaginary[k] + ai * real[k];
+        Vector<lanes> tr = real[k];
+        Vector<lanes> ti = imaginary[k];
+        if constexpr (!isOne) {
+          const auto ar = factors.real(half - 1 + m);
+          const auto ai = factors.imaginary(half - 1 + m);
+          tr = ar * real[k] - ai * imaginary[k];
+          ti = ar * imaginary[k] + ai * real[k];
+        }
         real[k] = real[j] - tr;
         imaginary[k] = imaginary[j] - ti;
         real[j] += tr;
         imaginary[j] += ti;
       });
     });
-    joinInRegisters<lanes, legs, 2 * half>(real, imaginary, factors);
+    joinInRegisters<lanes, legs, ones, 2 * half>(real, imaginary, factors);
   }
 }
 
@@ -56,15 +64,32 @@ struct LaneFactors {
   }
 };
 
+/// Where leg `leg` of a group begins, of 2^`stages` legs that stand `groups` values apart.
+template <int stages>
+AV_ALWAYS_INLINE std::size_t legOf(std::size_t leg, std::size_t groups) noexcept {
+  return groups * reversedBits(leg, stages);
+}
+
 /// Input of two arrays; or of one, as real part.
 template <int lanes, bool withImaginary>
 struct PlainInput {
   const double* m_real;
   const double* m_imaginary;
-  AV_ALWAYS_INLINE void read(std::size_t at, Vector<lanes>& real, Vector<lanes>& imaginary) const noexcept {
-    real = load<lanes>(m_real + at);
-    imaginary = withImaginary ? load<lanes>(m_imaginary + at) : Vector<lanes>{};
+
+  static constexpr Ones ones = Ones::multiplied;
+
+  /// The legs of `lanes` groups from `group` on.
+  template <int stages>
+  AV_ALWAYS_INLINE void read(std::size_t group, std::size_t groups, Vector<lanes>* real,
+                             Vector<lanes>* imaginary) const noexcept {
+    unrolled<1 << stages>([&]<int leg>() AV_INLINED {
+      const std::size_t at = group + legOf<stages>(leg, groups);
+      real[leg] = load<lanes>(m_real + at);
+      imaginary[leg] = withImaginary ? load<lanes>(m_imaginary + at) : Vector<lanes>{};
+    });
   }
+
+  /// Which of the groups a lane holds.
   static constexpr std::size_t positionOf(std::size_t lane) noexcept { return lane; }
 };
 
@@ -73,44 +98,91 @@ template <int lanes>
 struct WindowedInput {
   double* samples;
   const double* window;
-  AV_ALWAYS_INLINE void read(std::size_t at, Vector<lanes>& real, Vector<lanes>& imaginary) const noexcept {
-    real = windowed(2 * at);
-    imaginary = windowed(2 * at + lanes);
-    exchange<1>(real, imaginary, LaneNumbers<lanes>());
+
+  static constexpr Ones ones = Ones::skipped;
+
+  template <int stages>
+  AV_ALWAYS_INLINE void read(std::size_t group, std::size_t groups, Vector<lanes>* real,
+                             Vector<lanes>* imaginary) const noexcept {
+    const auto multiply = [&](std::size_t at)
+                              AV_INLINED { return load<lanes>(samples + at) * load<lanes>(window + at); };
+    unrolled<1 << stages>([&]<int leg>() AV_INLINED {
+      const std::size_t at = 2 * (group + legOf<stages>(leg, groups));
+      real[leg] = multiply(at);
+      imaginary[leg] = multiply(at + lanes);
+    });
+    // Only when all legs have been read: they often stand a multiple of 4 KB apart, where processors take a load for one
+    // of what was stored just before, and wait.
+    unrolled<1 << stages>([&]<int leg>() AV_INLINED {
+      const std::size_t at = 2 * (group + legOf<stages>(leg, groups));
+      store<lanes>(samples + at, real[leg]);
+      store<lanes>(samples + at + lanes, imaginary[leg]);
+      exchange<1>(real[leg], imaginary[leg], LaneNumbers<lanes>());
+    });
   }
+
   /// Exchanging neighbours is one instruction and leaves the values in this order, which costs nothing to follow.
   static constexpr std::size_t positionOf(std::size_t lane) noexcept { return lane / 2 + lane % 2 * (lanes / 2); }
-
- private:
-  AV_ALWAYS_INLINE Vector<lanes> windowed(std::size_t at) const noexcept {
-    const Vector<lanes> product = load<lanes>(samples + at) * load<lanes>(window + at);
-    store<lanes>(samples + at, product);
-    return product;
-  }
 };
 
-/// The first stages, on as many neighbouring groups as a vector has lanes. Their values stand far apart in the input and
-/// side by side in the result: reading and writing bring them into bit-reversed order.
+/// Real samples that the window has been applied to.
+template <int lanes>
+struct SampleInput {
+  const double* samples;
+
+  static constexpr Ones ones = Ones::multiplied;
+
+  template <int stages>
+  AV_ALWAYS_INLINE void read(std::size_t group, std::size_t groups, Vector<lanes>* real,
+                             Vector<lanes>* imaginary) const noexcept {
+    unrolled<1 << stages>([&]<int leg>() AV_INLINED {
+      const std::size_t at = 2 * (group + legOf<stages>(leg, groups));
+      real[leg] = load<lanes>(samples + at);
+      imaginary[leg] = load<lanes>(samples + at + lanes);
+      exchange<1>(real[leg], imaginary[leg], LaneNumbers<lanes>());
+    });
+  }
+
+  static constexpr std::size_t positionOf(std::size_t lane) noexcept { return WindowedInput<lanes>::positionOf(lane); }
+};
+
+/// The first stages of as many neighbouring groups as a vector has lanes.
 template <int lanes, int stages, class Input>
-AV_ALWAYS_INLINE void firstPass(const FftSteps& steps, Input input, double* real, double* imaginary) noexcept {
+AV_ALWAYS_INLINE void firstStages(FftSteps steps, Input input, std::size_t group, double* real,
+                                  double* imaginary) noexcept {
   constexpr int legs = 1 << stages;
-  const std::size_t groups = steps.points >> stages;
-  for (std::size_t group = 0; group < groups; group += lanes) {
-    Vector<lanes> re[legs];
-    Vector<lanes> im[legs];
-    unrolled<legs>([&]<int leg>()
-                       AV_INLINED { input.read(group + groups * reversedBits(leg, stages), re[leg], im[leg]); });
-    joinInRegisters<lanes, legs>(re, im, UniformFactors{steps.firstFactors});
+  Vector<lanes> re[legs];
+  Vector<lanes> im[legs];
+  input.template read<stages>(group, steps.points >> stages, &re[0], &im[0]);
+  joinInRegisters<lanes, legs, Input::ones>(re, im, UniformFactors{steps.firstFactors});
+  unrolled<legs / lanes>([&]<int part>() AV_INLINED {
+    transpose<lanes>(&re[part * lanes]);
+    transpose<lanes>(&im[part * lanes]);
+  });
+  unrolled<lanes>([&]<int lane>() AV_INLINED {
+    const std::size_t place = steps.places[group + Input::positionOf(lane)];
     unrolled<legs / lanes>([&]<int part>() AV_INLINED {
       constexpr int first = part * lanes;
-      transpose<lanes>(&re[first]);
-      transpose<lanes>(&im[first]);
-      unrolled<lanes>([&]<int lane>() AV_INLINED {
-        const std::size_t place = steps.places[group + Input::positionOf(lane)] + first;
-        store<lanes>(real + place, re[first + lane]);
-        store<lanes>(imaginary + place, im[first + lane]);
-      });
+      store<lanes>(real + place + first, re[first + lane]);
+      store<lanes>(imaginary + place + first, im[first + lane]);
     });
+  });
+}
+
+/// The first pass. The values of a group stand far apart in the input and side by side in the result: reading and writing
+/// bring them into bit-reversed order.
+template <int lanes, int stages, class Input>
+AV_ALWAYS_INLINE void firstPass(FftSteps steps, Input input, double* real, double* imaginary) noexcept {
+  const std::size_t groups = steps.points >> stages;
+  if constexpr (stages == 2) {
+    // A group is half a cache line in the result, and the other half is that of the group half the way on.
+    for (std::size_t group = 0; group < groups / 2; group += lanes) {
+      firstStages<lanes, stages>(steps, input, group, real, imaginary);
+      firstStages<lanes, stages>(steps, input, group + groups / 2, real, imaginary);
+    }
+  } else {
+    for (std::size_t group = 0; group < groups; group += lanes)
+      firstStages<lanes, stages>(steps, input, group, real, imaginary);
   }
 }
 

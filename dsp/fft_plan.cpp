@@ -14,16 +14,6 @@ namespace {
 /// 16 KB of real and imaginary parts: half of a small first-level cache, the other half of which factors pass through.
 constexpr std::uint32_t cachedPoints = 1024;
 
-/// All factors of one stage in their order.
-struct StageFactors {
-  StageFactors(std::uint32_t half, bool inverse) : real(half), imaginary(half) {
-    FftFactors factors(half, inverse);
-    for (std::uint32_t j = 0; j < half; ++j) factors.next(real[j], imaginary[j]);
-  }
-  std::vector<double> real;
-  std::vector<double> imaginary;
-};
-
 /// Writes the factors of the pass of `stages` stages from `half` on, for vectors of `lanes`, to where a kernel reads them.
 double* writeFactors(double* to, std::uint32_t half, std::uint32_t stages, std::uint32_t lanes, bool inverse) {
   const std::size_t perVector = std::size_t{2} * lanes;
@@ -44,12 +34,17 @@ double* writeFactors(double* to, std::uint32_t half, std::uint32_t stages, std::
 
 }  // namespace
 
-FftPlan::FftPlan(std::uint32_t length, bool inverse, const FftKernel& kernel)
+StageFactors::StageFactors(std::uint32_t half, bool inverse) : real(half), imaginary(half) {
+  FftFactors factors(half, inverse);
+  for (std::uint32_t j = 0; j < half; ++j) factors.next(real[j], imaginary[j]);
+}
+
+FftPlan::FftPlan(std::uint32_t length, bool inverse, const FftKernel& kernel, std::uint32_t stagesLeft)
     : m_length(length), m_inverse(inverse), m_kernel(&kernel) {
   if (length < shortestKernelTransform || !std::has_single_bit(length)) return;
   const std::uint32_t bits = indexBits(length);
   fillPlaces(bits);
-  planPasses(bits);
+  planPasses(bits - stagesLeft);
   fillFactors();
   m_steps.points = length;
   m_steps.blockPoints = std::min(length, cachedPoints);
@@ -81,12 +76,12 @@ void FftPlan::fillPlaces(std::uint32_t bits) {
     m_places[group] = reverseBits(group, groupBits) << m_kernel->firstStages;
 }
 
-void FftPlan::planPasses(std::uint32_t bits) {
+void FftPlan::planPasses(std::uint32_t stagesInAll) {
   // The passes of fewer stages come first, where a pass over the memory is cheapest.
   const std::uint32_t most = m_kernel->mostStages;
   std::uint32_t done = m_kernel->firstStages;
-  while (done < bits) {
-    const std::uint32_t left = bits - done;
+  while (done < stagesInAll) {
+    const std::uint32_t left = stagesInAll - done;
     std::uint32_t stages = left % most != 0 ? left % most : most;
     if (most == 3 && left % 3 == 1 && left > 1) stages = 2;
     m_passes.push_back({1u << done, stages, nullptr});

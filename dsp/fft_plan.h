@@ -8,6 +8,13 @@
 
 namespace av::dsp {
 
+/// All factors of one stage in their order.
+struct StageFactors {
+  StageFactors(std::uint32_t half, bool inverse);
+  std::vector<double> real;
+  std::vector<double> imaginary;
+};
+
 /// The transform of one length and direction with its tables: the same bits as FFT, faster.
 ///
 /// Holds nothing that a transform changes. Pointers into it are its own, so it can be moved but not copied.
@@ -16,8 +23,9 @@ class FftPlan {
   FftPlan() = default;
 
   /// For transforms of `length` points by `kernel`, one of fftKernels(). Any length is taken, but only powers of two of at
-  /// least shortestKernelTransform points get tables. Throws std::bad_alloc.
-  FftPlan(std::uint32_t length, bool inverse, const FftKernel& kernel);
+  /// least shortestKernelTransform points get tables. steps() lack the last `stagesLeft` stages; whoever leaves any does
+  /// them himself and does not call transform(). Throws std::bad_alloc.
+  FftPlan(std::uint32_t length, bool inverse, const FftKernel& kernel, std::uint32_t stagesLeft = 0);
 
   FftPlan(const FftPlan&) = delete;
   FftPlan& operator=(const FftPlan&) = delete;
@@ -35,7 +43,7 @@ class FftPlan {
   void transform(const double* realIn, const double* imaginaryIn, double* realOut, double* imaginaryOut) const noexcept;
 
  private:
-  void planPasses(std::uint32_t bits);
+  void planPasses(std::uint32_t stagesInAll);
   void fillPlaces(std::uint32_t bits);
   void fillFactors();
 

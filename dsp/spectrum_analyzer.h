@@ -3,7 +3,7 @@
 #include "dsp/aligned_doubles.h"
 #include "dsp/analysis_windows.h"
 #include "dsp/fft_kernel.h"
-#include "dsp/fft_plan.h"
+#include "dsp/spectrum_plan.h"
 
 #include <array>
 #include <cstddef>
@@ -55,16 +55,12 @@ class CSpectrumAnalyzer {
 
  private:
   void fillCoefficients() noexcept;
-  void computeShort(std::span<double> samples, std::span<double> power) noexcept;
+  void computePlainly(std::span<double> samples, std::span<double> power) const noexcept;
 
   const FftKernel* m_kernel;
   std::int32_t m_length = 0;
   std::uint32_t m_windowType = 2;
-  FftPlan m_plan;
-  AlignedDoubles m_real;
-  AlignedDoubles m_imaginary;
-  AlignedDoubles m_mirrorReal;
-  AlignedDoubles m_mirrorImaginary;
+  SpectrumPlan m_plan;
   AlignedDoubles m_coefficients;
   double m_windowPower = 0.0;
   std::array<WindowParameter, WindowTable.size()> m_parameters{};
