@@ -4,7 +4,7 @@ namespace avdemo {
 
 std::vector<Look> allLooks() {
   std::vector<Look> looks;
-  for (const std::span<const Look> ofControl : {viewLooks(), meterLooks()})
+  for (const std::span<const Look> ofControl : {viewLooks(), meterLooks(), analyserLooks()})
     looks.insert(looks.end(), ofControl.begin(), ofControl.end());
   return looks;
 }

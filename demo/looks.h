@@ -29,6 +29,9 @@ std::span<const Look> viewLooks();
 /// The level meter, in the same way.
 std::span<const Look> meterLooks();
 
+/// The spectrum analyser, in the same way.
+std::span<const Look> analyserLooks();
+
 /// Those of every control.
 std::vector<Look> allLooks();
 

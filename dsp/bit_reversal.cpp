@@ -10,8 +10,10 @@ namespace {
 enum class Tables { none, beingBuilt, built };
 
 // Static storage: nothing to free when the library is unloaded, and no guard to take when it is used.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): see above
 constinit std::atomic<Tables> state{Tables::none};
 constinit std::array<std::uint32_t, (std::size_t{2} << mostTabledBits) - 2> storage{};
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 /// Table k has 2^k entries; those of the smaller ones come before it.
 std::span<std::uint32_t> tableOf(std::uint32_t bits) noexcept {

@@ -5,10 +5,10 @@
 
 namespace av::dsp {
 
-void endProcess(const char* format, std::int32_t value) noexcept {
-  std::fprintf(stderr, format, static_cast<int>(value));
-  std::fflush(stderr);
-  std::exit(1);
+void endProcess(const std::string& message) noexcept {
+  static_cast<void>(std::fputs(message.c_str(), stderr));
+  static_cast<void>(std::fflush(stderr));
+  std::exit(1);  // NOLINT(concurrency-mt-unsafe): whatever other threads do, this is the end
 }
 
 }  // namespace av::dsp

@@ -5,9 +5,13 @@
 #include "dsp/fft_stage.h"
 
 #include <bit>
+#include <string>
 
 namespace av::dsp {
 namespace {
+
+/// As a signed number, which lengths are elsewhere.
+std::string decimal(std::uint32_t length) { return std::to_string(static_cast<std::int32_t>(length)); }
 
 /// Copies the inputs to the places where the butterflies begin.
 template <class Reverse>
@@ -23,14 +27,13 @@ void scatter(std::uint32_t length, const double* realIn, const double* imaginary
 }  // namespace
 
 std::uint32_t indexBits(std::uint32_t length) noexcept {
-  if (length < 2) endProcess("Error: FFT called with size %d\n", static_cast<std::int32_t>(length));
+  if (length < 2) endProcess("Error: FFT called with size " + decimal(length) + "\n");
   return static_cast<std::uint32_t>(std::countr_zero(length));
 }
 
 void FFT(std::uint32_t length, bool inverse, const double* realIn, const double* imaginaryIn, double* realOut,
          double* imaginaryOut) noexcept {
-  if (length < 2 || !std::has_single_bit(length))
-    endProcess("%d is not a power of two\n", static_cast<std::int32_t>(length));
+  if (length < 2 || !std::has_single_bit(length)) endProcess(decimal(length) + " is not a power of two\n");
 
   const std::uint32_t bits = indexBits(length);
   const auto table = bitReversalTable(bits);

@@ -34,6 +34,7 @@ struct TextRun {
   std::string text;
   Rect rect;
   Argb colour = opaqueBlack;
+  float fractionPx = 0;  // what the centre lies further right than `rect` says, less than a pixel
 
   friend bool operator==(const TextRun&, const TextRun&) = default;
 };

@@ -56,7 +56,10 @@ class Placement {
       if (left + width > client.right) continue;
       const int leftPx = truncToInt(left);
       const int top = client.bottom - m_layout.xScaleHeightPx;
-      m_texts.push_back({std::move(text), {leftPx, top, leftPx + static_cast<int>(width), client.bottom}, m_colour});
+      m_texts.push_back({std::move(text),
+                         {leftPx, top, leftPx + static_cast<int>(width), client.bottom},
+                         m_colour,
+                         static_cast<float>(left - leftPx)});
     }
   }
 

@@ -82,7 +82,7 @@ class LevelScale {
   }
 
   /// Where columns that grow from the middle begin.
-  double middle() const noexcept { return m_layout.areaHeightPx / 2; }  // NOLINT: whole rows
+  double middle() const noexcept { return m_layout.areaHeightPx / 2; }  // whole rows
 
   /// Below the unit and above the lower end. The unit takes its mirror image's room away too, so that both halves of a
   /// mirrored scale are labelled alike.

@@ -141,6 +141,8 @@ void RepaintTimer::registerTickObject() noexcept {
   m_shared->cookie = cookie;
 }
 
+bool RepaintTimer::onControlThread() const noexcept { return GetCurrentThreadId() == m_controlThreadId; }
+
 bool RepaintTimer::canFetch() const noexcept {
   // The table's own reference goes when the apartment is torn down, and the entry is good for nothing then.
   return m_shared->cookie != 0 && m_tickObject->isSharedOut();
@@ -158,7 +160,7 @@ std::uint32_t RepaintTimer::Start(std::uint32_t periodMs) noexcept {
   const bool canCreate = m_shared->m_bRunning.load(relaxed) == 0 && !m_shared->isPending();
   m_shared->m_nInterval.store(periodMs, relaxed);
   // What is marshalled on a thread belongs to that thread: its ticks would not reach the control's.
-  if (canCreate && !canFetch() && GetCurrentThreadId() != m_controlThreadId) return 0;
+  if (canCreate && !onControlThread() && !canFetch()) return 0;
   m_shared->m_bRunning.store(1, relaxed);
   if (!canCreate) return 0;
 
@@ -223,11 +225,9 @@ std::size_t RepaintTimer::liveWorkers() noexcept {
 }
 
 void RepaintTimer::marshalAndCreateWorker() noexcept {
-  if (canFetch()) {
-    m_shared->fetchPending.store(true);
-  } else {
-    m_shared->stream.store(marshalTickObject());
-  }
+  // A pointer that was marshalled for its one worker comes without a call to this thread; the table's does not.
+  if (onControlThread()) m_shared->stream.store(marshalTickObject());
+  if (m_shared->stream.load() == nullptr && canFetch()) m_shared->fetchPending.store(true);
   m_youngest.reset();
   forgetEndedWorkers();
   m_shared->m_bBusy.store(0, relaxed);
@@ -239,8 +239,8 @@ IStream* RepaintTimer::marshalTickObject() noexcept {
   IStream* stream = nullptr;
   if (SUCCEEDED(CoMarshalInterThreadInterfaceInStream(m_dispatchId, m_tickObject.Get(), &stream))) return stream;
   // An interface that nobody describes fails half-way, and Wine's COM then keeps the object until it is told not to.
-  // Not while a worker ticks through another reference to it.
-  if (m_workers.empty()) CoDisconnectObject(m_tickObject.Get(), 0);
+  // Not while a worker ticks through another reference to it, or the table has one.
+  if (m_workers.empty() && m_shared->cookie == 0) CoDisconnectObject(m_tickObject.Get(), 0);
   return nullptr;
 }
 

@@ -28,9 +28,9 @@ class RepaintTimer {
   RepaintTimer(const RepaintTimer&) = delete;
   RepaintTimer& operator=(const RepaintTimer&) = delete;
 
-  /// Lets every thread call `Start` from now on, also one that is in no apartment: the workers' way to this thread is
-  /// laid here and kept in the process's table of interfaces, where any thread can take it up. Until `shutDown`.
-  /// False where the system refuses; `Start` then goes on marshalling for itself, which it can on this thread only.
+  /// Lets every thread call `Start` from now on, also one that is in no apartment: the way to this thread of the workers
+  /// that it starts is laid here and kept in the process's table of interfaces, until `shutDown`. On this thread `Start`
+  /// goes on marshalling for itself. False where the system refuses; then only this thread can start workers.
   bool allowStartOnAnyThread() noexcept;
 
   /// Starts a worker, or, when one runs, only gives it a new period, which counts from its next wait. Always returns 0;
@@ -75,6 +75,7 @@ class RepaintTimer {
   static DWORD WINAPI workerMain(void* argument);
   static void runWorker(std::shared_ptr<Shared>&& owned);
   void registerTickObject() noexcept;
+  bool onControlThread() const noexcept;
   bool canFetch() const noexcept;
   bool ensureTickObject() noexcept;
   void marshalAndCreateWorker() noexcept;

@@ -114,10 +114,10 @@ TEST_F(AnalyserFall, ColumnsOfALaterLineCountHoldTheirTicksForASecond) {
   ASSERT_EQ(S_OK, send(std::vector<std::int16_t>(512)));
   const int held = columnShown(1).tickTop;
   ASSERT_GE(held, 0);
-  Sleep(600);
+  Sleep(450);
   ASSERT_EQ(S_OK, m_analyser->Repaint());
   EXPECT_EQ(held, columnShown(1).tickTop);
-  Sleep(900);
+  Sleep(1100);
   ASSERT_EQ(S_OK, m_analyser->Repaint());
   EXPECT_NE(held, columnShown(1).tickTop);
 }

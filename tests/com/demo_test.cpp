@@ -248,9 +248,11 @@ TEST_F(Demo, DrawsEveryLookOfEveryControlWithoutBeingAsked) {
   writeFile(folder / L"all.wav", sineFile(2, 16));
   const Outcome outcome = runDemo(folder, L"all.wav");
   EXPECT_EQ(0u, outcome.exitCode) << outcome.errors;
-  EXPECT_EQ(19 + 18, picturesIn(folder));
-  for (const wchar_t* look : {L"waveform", L"spectrum", L"octaves", L"bars-3", L"bars-4", L"bars-5", L"xy-6", L"xy-7",
-                              L"meter", L"meter-dots", L"meter-gradients", L"meter-mirrored-dark", L"meter-light"}) {
+  EXPECT_EQ(19 + 18 + 12, picturesIn(folder));
+  for (const wchar_t* look :
+       {L"waveform", L"spectrum", L"octaves", L"bars-3", L"bars-4", L"bars-5", L"xy-6", L"xy-7", L"meter",
+        L"meter-dots", L"meter-gradients", L"meter-mirrored-dark", L"meter-light", L"analyser", L"analyser-logarithmic",
+        L"analyser-gradients", L"analyser-spots", L"analyser-mirrored-dark", L"analyser-smooth-light"}) {
     const Picture picture = loadPicture((folder / L"all-").wstring() + look + dpiSuffix() + L".png");
     EXPECT_GT(picture.colours.size(), 2u) << std::filesystem::path(look).string();
   }

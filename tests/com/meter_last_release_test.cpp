@@ -186,7 +186,7 @@ TEST_F(UnsitedMeter, MayGoAtAnyMomentOfItsLife) {
       ASSERT_EQ(S_OK, meter->SendAudioData(nullptr));
     }
     EXPECT_EQ(0u, meter.Reset());
-    EXPECT_EQ(threads, threadsOfThisProcess());
+    EXPECT_GE(threads, threadsOfThisProcess());  // threads of the system's own come to their end as well
   }
 }
 

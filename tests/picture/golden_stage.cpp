@@ -91,29 +91,42 @@ void GoldenStage::font(const wchar_t* face, int points, bool bold, bool italic) 
   ASSERT_EQ(S_OK, (*this)->putref_ScaleFont(font.Get()));
 }
 
+void ControlStage::playHills(double moment, int frames, DWORD sampleRateHz) {
+  const WAVEFORMATEX format{WAVE_FORMAT_PCM, 1, sampleRateHz, sampleRateHz * 2, 2, 16, 0};
+  std::mt19937 engine(7);
+  std::vector<double> sum(static_cast<std::size_t>(frames));
+  // A partial a bin; every one half a turn and more away from the one before.
+  for (int bin = 1; bin < frames / 2; ++bin) {
+    const double part = 2.0 * bin / frames;
+    const double levelDb = -22 - 40 * part + 14 * std::sin(18 * part + moment) + 5 * std::sin(97 * part + 3 * moment);
+    const double phase = static_cast<double>(engine() % 62832) / 10000;
+    const double turn = 2 * std::numbers::pi * bin / frames;
+    for (std::size_t n = 0; n < sum.size(); ++n)
+      sum[n] += std::pow(10.0, levelDb / 20) * std::sin(turn * static_cast<double>(n) + phase);
+  }
+  std::vector<std::uint8_t> bytes;
+  for (const double value : sum) {
+    const long sample = std::clamp(std::lround(16000 * value), -32768l, 32767l);
+    bytes.push_back(static_cast<std::uint8_t>(sample & 0xFF));
+    bytes.push_back(static_cast<std::uint8_t>(sample >> 8 & 0xFF));
+  }
+  send(format, bytes);
+}
+
 void GoldenMeterStage::playWithPeaks(int frames) {
   ASSERT_EQ(S_OK, (*this)->put_TickDelayTime(1000000000));
-  const WAVEFORMATEX format{WAVE_FORMAT_PCM, 1, 44100, 88200, 2, 16, 0};
-  for (const double moment : {2.2, 0.0}) {
-    std::mt19937 engine(7);
-    std::vector<double> sum(static_cast<std::size_t>(frames));
-    // A partial a bin; every one half a turn and more away from the one before.
-    for (int bin = 1; bin < frames / 2; ++bin) {
-      const double part = 2.0 * bin / frames;
-      const double levelDb = -22 - 40 * part + 14 * std::sin(18 * part + moment) + 5 * std::sin(97 * part + 3 * moment);
-      const double phase = static_cast<double>(engine() % 62832) / 10000;
-      const double turn = 2 * std::numbers::pi * bin / frames;
-      for (std::size_t n = 0; n < sum.size(); ++n)
-        sum[n] += std::pow(10.0, levelDb / 20) * std::sin(turn * static_cast<double>(n) + phase);
-    }
-    std::vector<std::uint8_t> bytes;
-    for (const double value : sum) {
-      const long sample = std::clamp(std::lround(16000 * value), -32768l, 32767l);
-      bytes.push_back(static_cast<std::uint8_t>(sample & 0xFF));
-      bytes.push_back(static_cast<std::uint8_t>(sample >> 8 & 0xFF));
-    }
-    send(format, bytes);
-  }
+  for (const double moment : {2.2, 0.0}) playHills(moment, frames);
+}
+
+void GoldenAnalyserStage::playWithPeaks(DWORD sampleRateHz) {
+  LONG length = 0, lineCount = 0;
+  ASSERT_EQ(S_OK, (*this)->get_FFTLength(&length));
+  ASSERT_EQ(S_OK, (*this)->get_LineCount(&lineCount));
+  // Columns that are made by a put hold their ticks for a second, and those that are switched off do not fall.
+  ASSERT_EQ(S_OK, (*this)->put_LineCount(lineCount));
+  ASSERT_EQ(S_OK, (*this)->put_TickVisible(VARIANT_FALSE));
+  for (const double moment : {2.2, 0.0}) playHills(moment, length, sampleRateHz);
+  ASSERT_EQ(S_OK, (*this)->put_TickVisible(VARIANT_TRUE));
 }
 
 WindowPicture ControlStage::picture() {

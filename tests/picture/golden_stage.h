@@ -46,6 +46,9 @@ class ControlStage {
 
   void send(const WAVEFORMATEX& format, const std::vector<std::uint8_t>& bytes);
 
+  /// A sound with hills and valleys over the whole scale, 16-bit mono; `moment` says where the hills stand.
+  void playHills(double moment, int frames, DWORD sampleRateHz = 44100);
+
  private:
   SIZE m_sizePx{};
   bool m_muted = false;
@@ -72,6 +75,19 @@ class GoldenMeterStage : public ControlStage {
 
   /// A sound with hills and valleys over the whole scale, after another one whose hills stand elsewhere and leave peaks.
   void playWithPeaks(int frames = 1024);
+};
+
+/// With a spectrum analyser on it.
+class GoldenAnalyserStage : public ControlStage {
+ public:
+  explicit GoldenAnalyserStage(const Microsoft::WRL::ComPtr<IAudioVisualization4Type3>& analyser)
+      : ControlStage(analyser) {}
+
+  IAudioVisualization4Type3* operator->() const { return static_cast<IAudioVisualization4Type3*>(m_control.Get()); }
+
+  /// A sound with hills and valleys over the whole scale, after another one whose hills stand elsewhere and leave ticks.
+  /// Ticks stand until the last moment, and then for a second.
+  void playWithPeaks(DWORD sampleRateHz = 44100);
 };
 
 }  // namespace av::test

@@ -1,5 +1,6 @@
 // Whole pictures of the finished controls against those that a human has accepted.
 
+#include "picture/golden_analysers.h"
 #include "picture/golden_meters.h"
 #include "picture/golden_views.h"
 #include "support/picture_compare.h"
@@ -22,6 +23,9 @@ void PrintTo(const GoldenView& view, std::ostream* out) {
 }
 void PrintTo(const GoldenMeter& meter, std::ostream* out) {
   *out << meter.name << ", " << meter.sizePx.cx << " x " << meter.sizePx.cy;
+}
+void PrintTo(const GoldenAnalyser& analyser, std::ostream* out) {
+  *out << analyser.name << ", " << analyser.sizePx.cx << " x " << analyser.sizePx.cy;
 }
 
 namespace {
@@ -48,6 +52,11 @@ const GoldenView& named(const std::string& name) {
 const GoldenMeter& meterNamed(const std::string& name) {
   const auto meters = goldenMeters();
   return *std::find_if(meters.begin(), meters.end(), [&](const GoldenMeter& meter) { return meter.name == name; });
+}
+
+const GoldenAnalyser& analyserNamed(const std::string& name) {
+  const auto analysers = goldenAnalysers();
+  return *std::find_if(analysers.begin(), analysers.end(), [&](const GoldenAnalyser& one) { return one.name == name; });
 }
 
 /// What tools/gallery makes its page of: NAME-actual.png, NAME-difference.png and NAME.json.
@@ -96,6 +105,16 @@ class GoldenTest : public DllTest {
     return stage.picture();
   }
 
+  static void unchangedAnalyser(GoldenAnalyserStage&) {}
+
+  WindowPicture drawn(const GoldenAnalyser& analyser, void (*last)(GoldenAnalyserStage&) = unchangedAnalyser) {
+    GoldenAnalyserStage stage(create<IAudioVisualization4Type3>(CLSID_CAudioVisualization4Type3));
+    stage.open(analyser.sizePx);
+    analyser.prepare(stage);
+    last(stage);
+    return stage.picture();
+  }
+
   template <class Golden>
   static PictureDifference againstAccepted(const Golden& view, const WindowPicture& actual) {
     const auto expected = readPng(goldenFolder() + view.name + ".png");
@@ -119,9 +138,11 @@ class GoldenTest : public DllTest {
 
 class GoldenPictures : public GoldenTest, public testing::WithParamInterface<GoldenView> {};
 class GoldenMeterPictures : public GoldenTest, public testing::WithParamInterface<GoldenMeter> {};
+class GoldenAnalyserPictures : public GoldenTest, public testing::WithParamInterface<GoldenAnalyser> {};
 
 TEST_P(GoldenPictures, LookAsAccepted) { expectAsAccepted(GetParam()); }
 TEST_P(GoldenMeterPictures, LookAsAccepted) { expectAsAccepted(GetParam()); }
+TEST_P(GoldenAnalyserPictures, LookAsAccepted) { expectAsAccepted(GetParam()); }
 
 template <class Golden>
 std::vector<Golden> ofDisplay(std::span<const Golden> all, int dpi) {
@@ -146,6 +167,10 @@ INSTANTIATE_TEST_SUITE_P(Display96, GoldenMeterPictures, testing::ValuesIn(ofDis
                          testName<GoldenMeter>);
 INSTANTIATE_TEST_SUITE_P(Display192, GoldenMeterPictures, testing::ValuesIn(ofDisplay(goldenMeters(), 192)),
                          testName<GoldenMeter>);
+INSTANTIATE_TEST_SUITE_P(Display96, GoldenAnalyserPictures, testing::ValuesIn(ofDisplay(goldenAnalysers(), 96)),
+                         testName<GoldenAnalyser>);
+INSTANTIATE_TEST_SUITE_P(Display192, GoldenAnalyserPictures, testing::ValuesIn(ofDisplay(goldenAnalysers(), 192)),
+                         testName<GoldenAnalyser>);
 
 // What the comparison is worth: each of these is a mistake that a golden picture has to find.
 
@@ -283,15 +308,39 @@ TEST_F(GoldenMistakes, AnotherPropertyOfTheMeterIsFound) {
     EXPECT_FALSE(againstAccepted(meter, drawn(meter, changes[i])).matches()) << i;
 }
 
+TEST_F(GoldenMistakes, AnotherPropertyOfTheAnalyserIsFound) {
+  constexpr void (*changes[])(GoldenAnalyserStage&) = {
+      [](GoldenAnalyserStage& analyser) { analyser->put_TickVisible(VARIANT_FALSE); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_TickColor(0x00FF00); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_MidPoint(56); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_HighPoint(76); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_SpotHeight(3); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_SpotInterval(2); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_LineInterval(1); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_BackLineLowColor(0); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_ViewType(1); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_XScaleType(1); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_ScaleYMax(90); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_DynamicRange(4); },
+      [](GoldenAnalyserStage& analyser) { analyser->put_ScaleXVisible(VARIANT_FALSE); },
+  };
+  const GoldenAnalyser& analyser = analyserNamed("analyser");
+  ASSERT_TRUE(againstAccepted(analyser, drawn(analyser)).matches());
+  for (std::size_t i = 0; i < std::size(changes); ++i)
+    EXPECT_FALSE(againstAccepted(analyser, drawn(analyser, changes[i])).matches()) << i;
+}
+
 // The folder of accepted pictures.
 
-TEST(GoldenFolder, HoldsOnePictureForEachViewAndMeterAndNoOthers) {
+TEST(GoldenFolder, HoldsOnePictureForEachViewMeterAndAnalyserAndNoOthers) {
   std::set<std::string> files, views;
   for (const auto& entry : fs::directory_iterator(goldenFolder())) files.insert(entry.path().filename().string());
   for (const GoldenView& view : goldenViews())
     EXPECT_TRUE(views.insert(std::string(view.name) + ".png").second) << view.name << " is there twice";
   for (const GoldenMeter& meter : goldenMeters())
     EXPECT_TRUE(views.insert(std::string(meter.name) + ".png").second) << meter.name << " is there twice";
+  for (const GoldenAnalyser& analyser : goldenAnalysers())
+    EXPECT_TRUE(views.insert(std::string(analyser.name) + ".png").second) << analyser.name << " is there twice";
   EXPECT_EQ(views, files);
 }
 

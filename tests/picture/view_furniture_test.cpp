@@ -45,6 +45,40 @@ TEST_F(Furniture, EachScaleComesAndGoesAlone) {
   }
 }
 
+TEST_F(Furniture, HorizontalLabelsStandInTheMiddleOfTheirRectangles) {
+  open(400, 150);
+  showGrid(false);
+  ASSERT_EQ(S_OK, m_view->put_TextColor(0x000000));
+  const int textHeight = m_model.textHeightPx;
+  for (const int width : {400, 517, 703, 900}) {
+    resize(width, 150);
+    UpdateWindow(m_container.controlWindow());
+    const WindowPicture shown = picture();
+    const int plotWidth = width - 4 * textHeight;
+    const int strip = 150 - (textHeight + 10);
+    const int count = plotWidth / (5 * textHeight * 2 / 3) >= 20   ? 20
+                      : plotWidth / (5 * textHeight * 2 / 3) >= 10 ? 10
+                                                                   : 5;
+    for (int i = 1; i < count; ++i) {  // the unit reaches into the last one's rectangle
+      const int sample = static_cast<int>(1024.0 * (plotWidth * i / count) / plotWidth + 0.5);
+      const double left = (i - 0.5) * plotWidth / count;
+      const double right = left + textHeight * static_cast<double>(std::to_string(sample).size());
+      int inkLeft = width;
+      int inkRight = 0;
+      for (int x = static_cast<int>(left); x < right; ++x) {
+        for (int y = strip + 2; y < 150; ++y) {
+          if ((shown.at(x, y) & 0xFF00) > 0x8000) continue;
+          inkLeft = std::min(inkLeft, x);
+          inkRight = std::max(inkRight, x + 1);
+        }
+      }
+      ASSERT_LT(inkLeft, inkRight) << width << ", label " << i;
+      // A digit's ink is up to a pixel off its cell's middle; the position itself is rounded to a pixel.
+      EXPECT_NEAR((left + right) / 2, (inkLeft + inkRight) / 2.0, 1.5) << width << ", label " << i;
+    }
+  }
+}
+
 TEST_F(Furniture, BordersOfEveryType) {
   open(200, 150);
   ASSERT_EQ(S_OK, m_view->put_BorderColor(0x0000FF));

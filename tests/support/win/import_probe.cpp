@@ -98,4 +98,18 @@ long ImportProbe::calls() const {
   return sum;
 }
 
+ImportReplacement::ImportReplacement(HMODULE module, const std::string& function, void* replacement) {
+  for (const auto& [name, slot] : importTable(module)) {
+    if (name != function) continue;
+    m_slot = slot;
+    m_original = *slot;
+    setSlot(slot, replacement);
+    return;
+  }
+}
+
+ImportReplacement::~ImportReplacement() {
+  if (m_slot) setSlot(m_slot, m_original);
+}
+
 }  // namespace av::test

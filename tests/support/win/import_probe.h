@@ -40,4 +40,20 @@ class ImportProbe {
   std::vector<LONG> m_counts;
 };
 
+/// Puts a function of the test's in the place of one that a loaded module imports, for as long as the object lives.
+class ImportReplacement {
+ public:
+  ImportReplacement(HMODULE module, const std::string& function, void* replacement);
+  ~ImportReplacement();
+  ImportReplacement(const ImportReplacement&) = delete;
+  ImportReplacement& operator=(const ImportReplacement&) = delete;
+
+  /// What the module called before; null where it does not import the function.
+  [[nodiscard]] void* original() const noexcept { return m_original; }
+
+ private:
+  void** m_slot = nullptr;
+  void* m_original = nullptr;
+};
+
 }  // namespace av::test

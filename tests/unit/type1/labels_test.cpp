@@ -74,6 +74,20 @@ TEST(HorizontalLabels, StandWhereTheirRulePutsThem) {
   EXPECT_EQ(view.settings.textAndLineColors[0], labels[9].colour);
 }
 
+TEST(HorizontalLabels, KeepThePartOfAPixelThatTheirRuleGives) {
+  View view;
+  view.place(733, 400);
+  const int count = view.layout.xLabelCount;
+  ASSERT_NE(0, view.layout.plotWidth % count);
+  const std::vector<TextRun> labels = view.horizontal();
+  ASSERT_EQ(static_cast<std::size_t>(count), labels.size());
+  for (int i = 1; i <= count; ++i) {
+    const TextRun& label = labels[static_cast<std::size_t>(i) - 1];
+    EXPECT_NEAR((i - 0.5) * view.layout.plotWidth / count, label.rect.left + label.fractionPx, 1e-4);
+    EXPECT_LT(std::abs(label.fractionPx), 1);
+  }
+}
+
 TEST(HorizontalLabels, ReadAsThePointerDoesAtTheirGridLine) {
   for (const int type : {0, 1, 2, 3, 7, 9}) {
     for (const int axis : {1, 2}) {

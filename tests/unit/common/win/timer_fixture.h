@@ -180,6 +180,27 @@ inline void dispatchFor(DWORD durationMs) {
 
 using test::openKernelHandles;
 
+/// What a thread of a host's is to COM.
+enum class Host { noApartment, singleThreaded, multiThreaded };
+
+/// Runs `work` on a plain thread to its end, with no message dispatched here meanwhile.
+inline void onAnotherThread(Host host, const std::function<void()>& work) {
+  struct Task {
+    Host host;
+    const std::function<void()>& work;
+    static DWORD WINAPI main(void* argument) {
+      const auto& task = *static_cast<const Task*>(argument);
+      if (task.host != Host::noApartment)
+        CoInitializeEx(nullptr, task.host == Host::singleThreaded ? COINIT_APARTMENTTHREADED : COINIT_MULTITHREADED);
+      task.work();
+      if (task.host != Host::noApartment) CoUninitialize();
+      return 0;
+    }
+  } task{host, work};
+  const UniqueHandle thread(CreateThread(nullptr, 0, &Task::main, &task, 0, nullptr));
+  ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), 30000));
+}
+
 /// How the tick object comes to a worker.
 enum class Way { stream, table };
 

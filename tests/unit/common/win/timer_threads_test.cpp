@@ -16,9 +16,6 @@ namespace {
 
 using testing::Each;
 
-/// What a thread of a host's is to COM.
-enum class Host { noApartment, singleThreaded, multiThreaded };
-
 class TimerOnAnyThread : public RepaintTimerTest {
  protected:
   void SetUp() override {
@@ -26,26 +23,8 @@ class TimerOnAnyThread : public RepaintTimerTest {
     ASSERT_TRUE(m_control->timer.allowStartOnAnyThread());
   }
 
-  /// Runs `work` on a plain thread to its end, with no message dispatched here meanwhile.
-  static void elsewhere(Host host, const std::function<void()>& work) {
-    struct Task {
-      Host host;
-      const std::function<void()>& work;
-      static DWORD WINAPI main(void* argument) {
-        const auto& task = *static_cast<const Task*>(argument);
-        if (task.host != Host::noApartment)
-          CoInitializeEx(nullptr, task.host == Host::singleThreaded ? COINIT_APARTMENTTHREADED : COINIT_MULTITHREADED);
-        task.work();
-        if (task.host != Host::noApartment) CoUninitialize();
-        return 0;
-      }
-    } task{host, work};
-    const UniqueHandle thread(CreateThread(nullptr, 0, &Task::main, &task, 0, nullptr));
-    ASSERT_EQ(WAIT_OBJECT_0, WaitForSingleObject(thread.get(), 30000));
-  }
-
   void startElsewhere(Host host, DWORD periodMs = 10) {
-    elsewhere(host, [&] { m_control->timer.Start(periodMs); });
+    onAnotherThread(host, [&] { m_control->timer.Start(periodMs); });
   }
 };
 
@@ -69,7 +48,7 @@ TEST_P(StartedBy, AnotherThreadAgainItOnlyTakesTheNewPeriod) {
 TEST_P(StartedBy, AnotherThreadAfterAFlagOnlyStopItHasTwoWorkers) {
   m_control->timer.Start(200);
   ASSERT_TRUE(waitForTicks(1));
-  elsewhere(GetParam(), [&] {
+  onAnotherThread(GetParam(), [&] {
     m_control->timer.clearRunning();
     m_control->timer.Start(200);
   });
@@ -123,11 +102,16 @@ TEST_F(TimerOnAnyThread, EndsRightAfterItsStartHoweverOftenThatHappens) {
   for (int i = 0; i < 200; ++i) {
     auto* const control = new FakeControl(m_lock, m_platform);
     ASSERT_TRUE(control->timer.allowStartOnAnyThread());
-    control->timer.Start(50);
+    const auto start = [control] { control->timer.Start(50); };
+    if (i % 4 < 2) {
+      start();
+    } else {
+      onAnotherThread(Host::noApartment, start);
+    }
     if (i % 2 == 1) Sleep(static_cast<DWORD>(i % 5));  // the worker gets more or less far
     if (i % 3 == 1) {
       control->timer.clearRunning();
-      control->timer.Start(50);
+      start();
     }
     control->Release();
     ASSERT_EQ(1, m_lock.count) << "besides the test's own control";
@@ -154,6 +138,13 @@ TEST_F(TimerOnAnyThread, LeavesNothingWhenTheApartmentWentFirst) {
   EXPECT_TRUE(m_destroyed);
   EXPECT_EQ(0, m_lock.count);
   ASSERT_HRESULT_SUCCEEDED(CoInitialize(nullptr));
+}
+
+TEST_F(TimerOnAnyThread, OfAStartOnTheControlsThreadTheWorkerNeedsNoMessageToBegin) {
+  m_control->timer.Start(10);
+  while (m_platform.wholePeriods == 0) Sleep(1);
+  EXPECT_EQ(0u, ticks());
+  EXPECT_TRUE(waitForTicks(2));
 }
 
 TEST_F(TimerOnAnyThread, LeavesNothingWhenAnotherApartmentTookThePlaceOfItsOwn) {

@@ -1,0 +1,162 @@
+// The level meter when memory runs out: each allocation of the library in turn fails, in every call that a host makes.
+
+#include "host/message_pump.h"
+#include "host/meter_test.h"
+#include "host/process_threads.h"
+#include "support/win/import_probe.h"
+#include "support/win/scripted_audio_data.h"
+
+#include <atomic>
+#include <cstdlib>
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace av::test {
+namespace {
+
+std::atomic<long> allocationsLeft{-1};  ///< negative: any number
+std::atomic<long> allocationsRefused{0};
+
+void* mallocUntilNoneIsLeft(std::size_t bytes) {
+  if (allocationsLeft >= 0 && allocationsLeft-- <= 0) {
+    allocationsLeft = 0;
+    ++allocationsRefused;
+    return nullptr;
+  }
+  return std::malloc(bytes);
+}
+
+/// The library takes its memory from the test, as long as that lets it. Threads of the meter's own take none.
+class MeterMemory : public MeterTest {
+ protected:
+  void SetUp() override {
+    ASSERT_NO_FATAL_FAILURE(MeterTest::SetUp());
+    meetAnException();
+    m_malloc = std::make_unique<ImportReplacement>(m_library.module(), "malloc",
+                                                   reinterpret_cast<void*>(&mallocUntilNoneIsLeft));
+    ASSERT_NE(nullptr, m_malloc->original()) << "the library gets its memory elsewhere";
+  }
+  void TearDown() override {
+    allocationsLeft = -1;
+    m_meter.Reset();
+    m_malloc.reset();
+    MeterTest::TearDown();
+  }
+
+  /// The library's C++ runtime takes a little memory for the first exception of a thread, and ends the process when there
+  /// is none even for that.
+  void meetAnException() {
+    support::AudioDataScript script;
+    script.offersFrameData = true;
+    script.failingCall = 0;
+    support::ScriptedAudioData data(script);
+    VARIANT argument;
+    V_VT(&argument) = VT_UNKNOWN;
+    V_UNKNOWN(&argument) = &data;
+    EXPECT_EQ(DISP_E_EXCEPTION, invoke(0xaae62, DISPATCH_METHOD, &argument, 1));
+    EXPECT_EQ(S_OK, m_meter->SendAudioData(nullptr));
+    avhost::pumpMessages(200);  // the worker that the block has started ends
+  }
+
+  /// Runs `call` with memory for 0, 1, 2, ... allocations until none is refused any more. Returns how many it took.
+  static long withLessAndLessRefused(const std::function<void()>& call) {
+    for (long allocations = 0;; ++allocations) {
+      allocationsRefused = 0;
+      allocationsLeft = allocations;
+      call();
+      allocationsLeft = -1;
+      if (allocationsRefused == 0) return allocations;
+      if (allocations > 1000) ADD_FAILURE() << "it never has enough";
+      if (testing::Test::HasFailure()) return allocations;
+    }
+  }
+
+  std::unique_ptr<ImportReplacement> m_malloc;
+};
+
+TEST_F(MeterMemory, IsWhatTheTestSaysItIs) {
+  allocationsRefused = 0;
+  allocationsLeft = 0;
+  IAudioVisualization4Type2* none = nullptr;
+  EXPECT_EQ(E_OUTOFMEMORY, m_library.create(CLSID_CAudioVisualization4Type2, &none));
+  EXPECT_LT(0, allocationsRefused);
+}
+
+TEST_F(MeterMemory, EndsAMeterThatCannotBeMadeAndLeavesNothing) {
+  const int threads = threadsOfThisProcess();
+  const long took = withLessAndLessRefused([&] {
+    ComPtr<IAudioVisualization4Type2> meter;
+    const HRESULT made = m_library.create(CLSID_CAudioVisualization4Type2, meter.GetAddressOf());
+    allocationsLeft = -1;
+    EXPECT_EQ(SUCCEEDED(made), meter != nullptr);
+    EXPECT_TRUE(made == S_OK || made == E_OUTOFMEMORY) << std::hex << made;
+    meter.Reset();
+    EXPECT_GE(threads, threadsOfThisProcess());
+  });
+  EXPECT_LT(3, took) << "nothing was tested";
+  m_meter.Reset();
+  EXPECT_EQ(S_OK, m_library.canUnloadNow());
+}
+
+TEST_F(MeterMemory, RefusesPutsOrDoesWithout) {
+  ASSERT_NO_FATAL_FAILURE(activate({601, 200}));
+  ASSERT_EQ(S_OK, sendNoise(m_meter.Get()));
+  long took = 0;
+  for (const NumberRow& row : meterRows) {
+    for (const LONG value : {row.otherValue, row.defaultValue}) {
+      took += withLessAndLessRefused([&] {
+        const Value put(row.type, value);
+        VARIANT argument = put;
+        const HRESULT result = invoke(row.dispId, DISPATCH_PROPERTYPUT, &argument, 1);
+        EXPECT_TRUE(result == S_OK || result == E_OUTOFMEMORY || result == DISP_E_EXCEPTION) << std::hex << result;
+      });
+      EXPECT_EQ(value, getLong(row.dispId)) << row.dispId;
+    }
+  }
+  EXPECT_LT(0, took) << "nothing was tested";
+  ASSERT_EQ(S_OK, sendNoise(m_meter.Get()));
+  ASSERT_EQ(S_OK, m_meter->Repaint());
+  EXPECT_LT(1000, litPixels(picture()));
+}
+
+TEST_F(MeterMemory, ALineCountThatDoesNotFitChangesNothing) {
+  allocationsLeft = 0;
+  EXPECT_EQ(E_OUTOFMEMORY, m_meter->put_LineCount(48000));
+  allocationsLeft = -1;
+  EXPECT_EQ(100, lineCount());
+}
+
+TEST_F(MeterMemory, ShowsBlocksOrDropsThem) {
+  ASSERT_NO_FATAL_FAILURE(activate({300, 200}));
+  const std::vector<std::int16_t> samples = noise(1024);
+  const auto block = avhost::audioFrames(meterFormat, samples.data(), 2048);
+  for (int i = 0; i < 3; ++i)
+    withLessAndLessRefused([&] {
+      EXPECT_EQ(S_OK, m_meter->SendAudioData(block.get()));
+      EXPECT_EQ(S_OK, m_meter->SendAudioData(nullptr));
+      EXPECT_EQ(S_OK, m_meter->Repaint());
+      EXPECT_EQ(S_OK, m_meter->_OnTimer());
+    });
+  ASSERT_EQ(S_OK, m_meter->SendAudioData(block.get()));
+  ASSERT_EQ(S_OK, m_meter->Repaint());
+  EXPECT_LT(1000, litPixels(picture()));
+}
+
+TEST_F(MeterMemory, PaintsAgainWhenThereIsSome) {
+  ASSERT_NO_FATAL_FAILURE(activate({300, 200}));
+  ASSERT_EQ(S_OK, sendNoise(m_meter.Get()));
+  long size = 300;
+  withLessAndLessRefused([&] {
+    ASSERT_EQ(S_OK, m_container.resize({++size, 200}));  // surface and layout anew
+    ASSERT_EQ(S_OK, m_meter->put_LineType(size % 6));
+    EXPECT_EQ(S_OK, m_meter->Repaint());
+    UpdateWindow(window());
+  });
+  ASSERT_EQ(S_OK, m_meter->put_LineType(0));
+  ASSERT_EQ(S_OK, m_meter->Repaint());
+  EXPECT_LT(1000, litPixels(picture()));
+}
+
+}  // namespace
+}  // namespace av::test
