@@ -42,4 +42,12 @@ void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> ban
     writeLine(columns[i], columnHeightPx(bands[i], settings, fftLength, areaHeightPx), nowMs);
 }
 
+void scaleColumns(std::span<LineInfo> columns, int fromHeightPx, int toHeightPx) noexcept {
+  if (fromHeightPx <= 0) return;
+  for (LineInfo& column : columns) {
+    column.value = column.value * toHeightPx / fromHeightPx;
+    column.peak = column.peak * toHeightPx / fromHeightPx;
+  }
+}
+
 }  // namespace av::type3

@@ -20,4 +20,8 @@ int columnHeightPx(double band, const AnalyserSettings& settings, std::int32_t f
 void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,
                         std::int32_t fftLength, int areaHeightPx, std::uint32_t nowMs) noexcept;
 
+/// Columns and peaks of a column area `fromHeightPx` high as they stand in one of `toHeightPx`; as they are where the
+/// former has no height. [under the line lock]
+void scaleColumns(std::span<LineInfo> columns, int fromHeightPx, int toHeightPx) noexcept;
+
 }  // namespace av::type3

@@ -207,5 +207,32 @@ TEST_F(AnalyserPropertyValues, TheAdditionalParametersDoNothingAndSaySo) {
   SysFreeString(name);
 }
 
+TEST_F(AnalyserPropertyValues, OnlyTheSizeSurvivesASaveAndALoad) {
+  ComPtr<IOleObject> object;
+  ASSERT_EQ(S_OK, m_analyser.As(&object));
+  SIZEL size{4321, 1234};
+  ASSERT_EQ(S_OK, object->SetExtent(DVASPECT_CONTENT, &size));
+  for (const NumberRow& row : analyserRows) ASSERT_EQ(S_OK, putLong(row.dispId, row.otherValue));
+  ComPtr<IStream> stream;
+  ASSERT_EQ(S_OK, CreateStreamOnHGlobal(nullptr, TRUE, &stream));
+  ComPtr<IPersistStreamInit> saved;
+  ASSERT_EQ(S_OK, m_analyser.As(&saved));
+  ASSERT_EQ(S_OK, saved->Save(stream.Get(), TRUE));
+  ASSERT_EQ(S_OK, stream->Seek({}, STREAM_SEEK_SET, nullptr));
+
+  saved.Reset();
+  object.Reset();
+  m_analyser = create<IAudioVisualization4Type3>(CLSID_CAudioVisualization4Type3);
+  ComPtr<IPersistStreamInit> loaded;
+  ASSERT_EQ(S_OK, m_analyser.As(&loaded));
+  ASSERT_EQ(S_OK, loaded->Load(stream.Get()));
+  SIZEL read{};
+  ASSERT_EQ(S_OK, m_analyser.As(&object));
+  ASSERT_EQ(S_OK, object->GetExtent(DVASPECT_CONTENT, &read));
+  EXPECT_EQ(4321, read.cx);
+  EXPECT_EQ(1234, read.cy);
+  for (const NumberRow& row : analyserRows) EXPECT_EQ(row.defaultValue, getLong(row.dispId)) << row.dispId;
+}
+
 }  // namespace
 }  // namespace av::test

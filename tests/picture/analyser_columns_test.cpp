@@ -165,5 +165,26 @@ TEST_F(AnalyserPictures, AnInactiveControlIsDrawnAtAnySizeFromItsLastBlock) {
   }
 }
 
+TEST_F(AnalyserPictures, TicksOfAnInactiveControlStandAtTheirLevelInEverySize) {
+  putScales(false, false);
+  putLineCount(24);
+  drawnAt({0, 0}, {301, 100});
+  m_height = 100;
+  for (const std::vector<std::int16_t>& samples : {noise(7, 30000), noise(8, 4000)}) {
+    const WAVEFORMATEX format{WAVE_FORMAT_PCM, 1, 44100, 88200, 2, 16, 0};
+    ASSERT_EQ(S_OK, m_analyser->SendAudioData(
+                        avhost::audioFrames(format, samples.data(), static_cast<LONG>(samples.size() * 2)).get()));
+    computeBands(samples);
+    updateModel(100);
+  }
+  showTicks();
+  expectAsReference(drawnAt({0, 0}, {301, 100}));
+  // Twice as high: the columns from their bands, the ticks where they were.
+  const std::vector<LineInfo> lines = m_lines;
+  updateModel(200);
+  for (std::size_t i = 0; i < lines.size(); ++i) m_lines[i].peak = std::max(2 * lines[i].peak, m_lines[i].value);
+  expectAsReference(drawnAt({0, 0}, {301, 200}));
+}
+
 }  // namespace
 }  // namespace av::test

@@ -2,6 +2,7 @@
 
 #include "gfx/win/gdi_text_measure.h"
 #include "gfx/win/scale_font.h"
+#include "type3/column_heights.h"
 
 #include <algorithm>
 #include <array>
@@ -14,15 +15,6 @@ namespace av::type3 {
 namespace {
 
 constexpr int defaultFontPoints = 9;
-
-/// Heights for a column area of another height than they were computed for.
-void scaleColumns(std::span<LineInfo> columns, int fromHeightPx, int toHeightPx) noexcept {
-  if (fromHeightPx <= 0) return;
-  for (LineInfo& column : columns) {
-    column.value = column.value * toHeightPx / fromHeightPx;
-    column.peak = column.peak * toHeightPx / fromHeightPx;
-  }
-}
 
 }  // namespace
 

@@ -3,6 +3,9 @@
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
 #include "gfx/win/scale_font.h"
+#include "type3/column_heights.h"
+
+#include <span>
 
 namespace av::type3 {
 
@@ -147,7 +150,10 @@ void CAudioVisualization4Type3::draw(HDC target, const RECT& bounds) {
     // What its container draws of an inactive control is its picture from then on; beside an active control's window
     // it is another one.
     if (!clientSize() && m_picture.size() != size) {
+      const int before = m_picture.columnAreaHeightPx();
       m_picture.layout(m_settings, size);
+      m_lines.lines().withLines(
+          [&](std::span<LineInfo> columns) { scaleColumns(columns, before, m_picture.columnAreaHeightPx()); });
       m_analysis.updateHeights(m_settings, m_picture.columnAreaHeightPx(), GetTickCount());
     }
     m_picture.paint(target, bounds, m_settings, m_analysis.axis(m_settings), m_lines.lines());

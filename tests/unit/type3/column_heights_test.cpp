@@ -123,5 +123,26 @@ TEST(ColumnHeights, RaisePeaksThatTheyExceed) {
   EXPECT_EQ(columns[2], (LineInfo{1000, 0, 10, 0}));
 }
 
+TEST(ScaleColumns, KeepsTheProportionOfColumnsAndPeaksToTheArea) {
+  std::vector<LineInfo> columns(3);
+  columns[0].value = 50;
+  columns[0].peak = 75;
+  columns[1].value = 0;
+  columns[1].peak = 100;
+  scaleColumns(columns, 100, 250);
+  EXPECT_EQ(125, columns[0].value);
+  EXPECT_EQ(187.5, columns[0].peak);
+  EXPECT_EQ(0, columns[1].value);
+  EXPECT_EQ(250, columns[1].peak);
+  EXPECT_LT(columns[2].peak, 0);  // fresh ones still draw nothing
+  const std::vector<LineInfo> before = columns;
+  scaleColumns(columns, 0, 100);
+  EXPECT_EQ(before, columns);
+  scaleColumns(columns, -5, 100);
+  EXPECT_EQ(before, columns);
+  scaleColumns(columns, 100, 0);
+  EXPECT_EQ(0, columns[0].peak);
+}
+
 }  // namespace
 }  // namespace av::type3
