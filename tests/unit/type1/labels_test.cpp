@@ -83,7 +83,7 @@ TEST(HorizontalLabels, KeepThePartOfAPixelThatTheirRuleGives) {
   ASSERT_EQ(static_cast<std::size_t>(count), labels.size());
   for (int i = 1; i <= count; ++i) {
     const TextRun& label = labels[static_cast<std::size_t>(i) - 1];
-    EXPECT_NEAR((i - 0.5) * view.layout.plotWidth / count, label.rect.left + label.fractionPx, 1e-4);
+    EXPECT_NEAR((i - 0.5) * view.layout.plotWidth / count, label.rect.left + double{label.fractionPx}, 1e-4);
     EXPECT_LT(std::abs(label.fractionPx), 1);
   }
 }
