@@ -1,37 +1,22 @@
 // FFT lengths that hosts can put and that end the process with the next block: shown in a process of its own.
 
-#include "host/analyser_test.h"
 #include "support/win/run_program.h"
 
-#include <cstdio>
+#include <windows.h>
+#include <gtest/gtest.h>
+
 #include <string>
 
 namespace av::test {
 namespace {
 
-/// What a child of the tests below runs: named by them, so that it is no test of any other run.
-class DISABLED_AnalyserChild : public AnalyserTest {
- protected:
-  void sendBlockOfLength(LONG length) {
-    ASSERT_EQ(S_OK, m_analyser->put_FFTLength(length));
-    EXPECT_EQ(S_OK, m_analyser->SendAudioData(nullptr));
-    std::fputs("put\n", stdout);
-    send(sineBlock(100));
-    std::fputs("survived\n", stdout);
-  }
-};
-
-TEST_F(DISABLED_AnalyserChild, SendsABlockOfLength0) { sendBlockOfLength(0); }
-TEST_F(DISABLED_AnalyserChild, SendsABlockOfLength1) { sendBlockOfLength(1); }
-TEST_F(DISABLED_AnalyserChild, SendsABlockOfLength2) { sendBlockOfLength(2); }
-TEST_F(DISABLED_AnalyserChild, SendsABlockOfLength4) { sendBlockOfLength(4); }
-
-ProgramRun runChild(int length) {
+/// A program beside this one that puts `length` and sends a block.
+ProgramRun sendBlockOfLength(int length) {
   wchar_t path[MAX_PATH];
   GetModuleFileNameW(nullptr, path, MAX_PATH);
-  return runProgram(L"\"" + std::wstring(path) +
-                    L"\" --gtest_also_run_disabled_tests --gtest_filter=DISABLED_AnalyserChild.SendsABlockOfLength" +
-                    std::to_wstring(length));
+  std::wstring folder = path;
+  folder.resize(folder.find_last_of(L'\\') + 1);
+  return runProgram(L"\"" + folder + L"block_of_length.exe\" " + std::to_wstring(length));
 }
 
 /// The text as the C library writes it, whatever the stream makes of line ends.
@@ -46,18 +31,18 @@ TEST(AnalyserEndOfProcess, TheBlockAfterAnFftLengthBelowFourEndsTheProcessWithAM
     const char* message;
   } cases[] = {{0, "0 is not a power of two\n"}, {1, "0 is not a power of two\n"}, {2, "1 is not a power of two\n"}};
   for (const auto& one : cases) {
-    const ProgramRun run = runChild(one.length);
+    const ProgramRun run = sendBlockOfLength(one.length);
     EXPECT_EQ(1u, run.exitCode) << one.length;
-    EXPECT_NE(std::string::npos, run.output.find("put")) << run.output;
-    EXPECT_EQ(std::string::npos, run.output.find("survived")) << run.output;
+    EXPECT_EQ("put\n", withoutReturns(run.output)) << one.length;
     EXPECT_EQ(one.message, withoutReturns(run.errors)) << one.length;
   }
 }
 
 TEST(AnalyserEndOfProcess, FourIsTheSmallestLengthThatIsSurvived) {
-  const ProgramRun run = runChild(4);
-  EXPECT_EQ(0u, run.exitCode) << run.output << run.errors;
-  EXPECT_NE(std::string::npos, run.output.find("survived")) << run.output;
+  const ProgramRun run = sendBlockOfLength(4);
+  EXPECT_EQ(0u, run.exitCode);
+  EXPECT_EQ("put\nsurvived\n", withoutReturns(run.output));
+  EXPECT_EQ("", run.errors);
 }
 
 }  // namespace
