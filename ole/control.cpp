@@ -17,6 +17,7 @@ WORD distanceOnAxis(WORD coordinate, LONG origin) noexcept {
 }
 
 LONG himetricFromPixels(LONG pixels, int dotsPerInch) noexcept { return MulDiv(pixels, 2540, dotsPerInch); }
+LONG pixelsFromHimetric(LONG himetric, int dotsPerInch) noexcept { return MulDiv(himetric, dotsPerInch, 2540); }
 
 }  // namespace
 
@@ -64,13 +65,19 @@ void Control::extentLoaded(SIZEL himetric) {
   if (!m_inPlace.isActive()) requestRedraw();
 }
 
+void Control::takeExtentOf(SIZE pixels) {
+  HDC screen = GetDC(nullptr);
+  if (!screen) return;
+  const int dpiX = GetDeviceCaps(screen, LOGPIXELSX), dpiY = GetDeviceCaps(screen, LOGPIXELSY);
+  ReleaseDC(nullptr, screen);
+  // Many extents mean the same pixels: one that does so already is the container's own and stays.
+  if (pixelsFromHimetric(m_extent.cx, dpiX) == pixels.cx && pixelsFromHimetric(m_extent.cy, dpiY) == pixels.cy) return;
+  m_extent = {himetricFromPixels(pixels.cx, dpiX), himetricFromPixels(pixels.cy, dpiY)};
+  m_dirty = true;
+}
+
 void Control::requestSize(SIZE pixels) {
-  if (HDC screen = GetDC(nullptr)) {
-    m_extent = {himetricFromPixels(pixels.cx, GetDeviceCaps(screen, LOGPIXELSX)),
-                himetricFromPixels(pixels.cy, GetDeviceCaps(screen, LOGPIXELSY))};
-    ReleaseDC(nullptr, screen);
-    m_dirty = true;
-  }
+  takeExtentOf(pixels);
   const RECT& now = m_inPlace.position();
   m_inPlace.requestPosition({now.left, now.top, now.left + pixels.cx, now.top + pixels.cy});
 }

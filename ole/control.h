@@ -72,7 +72,9 @@ class Control : public Object, public WindowClient {
 
   SIZEL extentHimetric() const noexcept { return m_extent; }
   void setExtent(SIZEL himetric) noexcept { m_extent = himetric; }
-  /// Takes the extent of that many pixels of the screen, and asks the container for a place of that size; see
+  /// Takes the extent of that many pixels of the screen, unless the one that it has comes to as many. [control thread]
+  void takeExtentOf(SIZE pixels);
+  /// Takes the extent of that many pixels, and asks the container for a place of that size; see
   /// InPlaceSession::requestPosition. [control thread]
   void requestSize(SIZE pixels);
   bool isDirty() const noexcept { return m_dirty; }

@@ -174,6 +174,13 @@ class MeterAutoSizeIn : public TalkTest {
     GetClientRect(m_host.controlWindow(), &client);
     return {client.right, client.bottom};
   }
+  static SIZEL extentOf(IAudioVisualization4Type2* meter) {
+    ComPtr<IOleObject> object;
+    SIZEL extent{};
+    EXPECT_EQ(S_OK, meter->QueryInterface(IID_PPV_ARGS(&object)));
+    EXPECT_EQ(S_OK, object->GetExtent(DVASPECT_CONTENT, &extent));
+    return extent;
+  }
 
   RecordingContainer m_host{{.controlSize = {207, 103}}};
 };
@@ -184,6 +191,28 @@ TEST_F(MeterAutoSizeIn, AnOrdinaryContainerItAsksOnce) {
   EXPECT_EQ(210, m_host.controlRect().right);
   EXPECT_EQ(121, m_host.controlRect().bottom);
   EXPECT_EQ(200, size().cx);
+}
+
+TEST_F(MeterAutoSizeIn, ASizeThatFitsBecomesTheExtentThoughNobodyIsAsked) {
+  ASSERT_EQ(S_OK, m_host.doVerb(OLEIVERB_SHOW));
+  ASSERT_EQ(S_OK, m_host.moveControl({10, 20, 10 + 250, 20 + 136}));  // the rectangle only, not the extent
+  EXPECT_EQ(250, size().cx);
+  EXPECT_EQ(136, size().cy);
+  EXPECT_EQ(1, m_host.log.count(posRectChange)) << "for the first size, which did not fit";
+  const SIZE dpi = avhost::screenDpi();
+  const SIZEL extent = extentOf(meter());
+  EXPECT_EQ(avhost::himetricFromPixels(250, dpi.cx), extent.cx);
+  EXPECT_EQ(avhost::himetricFromPixels(136, dpi.cy), extent.cy);
+}
+
+TEST_F(MeterAutoSizeIn, AnExtentThatComesToTheSizeIsLeftAsTheContainerSaidIt) {
+  ASSERT_EQ(S_OK, m_host.doVerb(OLEIVERB_SHOW));
+  const SIZE dpi = avhost::screenDpi();
+  SIZEL extent{avhost::himetricFromPixels(250, dpi.cx) + 3, avhost::himetricFromPixels(136, dpi.cy) - 3};
+  ASSERT_EQ(S_OK, m_host.control()->SetExtent(DVASPECT_CONTENT, &extent));
+  ASSERT_EQ(S_OK, m_host.moveControl({10, 20, 10 + 250, 20 + 136}));
+  EXPECT_EQ(extent.cx, extentOf(meter()).cx);
+  EXPECT_EQ(extent.cy, extentOf(meter()).cy);
 }
 
 TEST_F(MeterAutoSizeIn, AContainerThatRefusesItKeepsTheSizeThatItWasGiven) {

@@ -59,6 +59,8 @@ class RecordingContainer {
   HRESULT inPlaceDeactivate();
   /// SetExtent by the screen's DPI, then SetObjectRects.
   HRESULT resize(SIZE sizePx);
+  /// SetObjectRects and no word of the extent: as containers answer IOleInPlaceSite::OnPosRectChange.
+  HRESULT moveControl(const RECT& position);
 
   HWND window() const { return m_window; }
   const Traits& traits() const { return m_traits; }
@@ -79,8 +81,6 @@ class RecordingContainer {
   friend class RecordingSite;
 
   IOleInPlaceObject* inPlaceObject() const;  ///< not counted
-  /// Answers IOleInPlaceSite::OnPosRectChange as containers do: with SetObjectRects.
-  HRESULT moveControl(const RECT& position);
   HRESULT saveControl();
   void focusControl(bool focus);
   RECT clientRect() const;

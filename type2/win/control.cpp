@@ -94,7 +94,9 @@ void CAudioVisualization4Type2::snapSize(SIZE client) {
   const Size snapped = snappedSize(m_settings, m_list.lines().count(), given);
   const bool possible = snapped.widthPx > 0 && snapped.widthPx <= longestSidePx && snapped.heightPx > 0 &&
                         snapped.heightPx <= longestSidePx;
-  if (!possible || snapped == given) return;
+  if (!possible) return;
+  // A container that resizes the window to a whole number of lines need not have told the extent.
+  if (snapped == given) return takeExtentOf(client);
   m_snapping = true;
   requestSize({snapped.widthPx, snapped.heightPx});
   m_snapping = false;
