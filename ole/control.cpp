@@ -119,6 +119,8 @@ LRESULT Control::windowMessage(HWND window, UINT message, WPARAM wParam, LPARAM 
   if (handleMessage(message, wParam, lParam, result)) return result;
   switch (message) {
     case WM_PAINT: {
+      // Hosts that want a picture without asking for WM_PRINTCLIENT pass their device context with this one.
+      if (wParam != 0) return windowMessage(window, WM_PRINTCLIENT, wParam, PRF_CLIENT);
       PAINTSTRUCT paint;
       if (HDC target = BeginPaint(window, &paint)) {
         RECT client{};

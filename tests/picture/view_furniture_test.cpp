@@ -160,6 +160,21 @@ TEST_F(Furniture, ABlockAloneChangesNoLayout) {
   expectPicture();
 }
 
+TEST_F(Furniture, IsDrawnIntoTheDeviceContextThatAMessageBrings) {
+  open(300, 200);
+  const HWND window = m_container.controlWindow();
+  for (const UINT message : {WM_PRINTCLIENT, WM_PRINT, WM_PAINT}) {
+    InvalidateRect(window, nullptr, FALSE);
+    const WindowPicture drawn = pictureDrawnBy({300, 200}, [&](HDC target) {
+      EXPECT_EQ(0, SendMessageW(window, message, reinterpret_cast<WPARAM>(target), PRF_CLIENT)) << message;
+    });
+    EXPECT_EQ("", differences(m_model.picture(), drawn)) << message;
+    // What the window itself has to paint stays to be painted.
+    EXPECT_TRUE(GetUpdateRect(window, nullptr, FALSE)) << message;
+    UpdateWindow(window);
+  }
+}
+
 TEST_F(Furniture, TypesOutsideTheListDrawNoCurveAndTypesAboveFiveNoRuledGrid) {
   open(300, 200);
   putSmooth(false);
