@@ -83,11 +83,14 @@ void addUnlitColumns(AnalyserFrame& frame, const AnalyserSettings& settings, int
   const int height = std::min(areaHeightPx, static_cast<int>(images.unlit.size()));
   if (geometry.blockWidthPx <= 0 || height <= 0) return;
   const int left = geometry.leftPx;
-  frame.unlit.push_back({unlitColumn, 0, {left, 0, left + geometry.blockWidthPx, height}});
+  const int end = left + geometry.blockWidthPx;
+  frame.unlit.push_back({unlitColumn, 0, {left, 0, end, height}});
   if (settings.lineIntervalPx == 0) return;
   for (int column = 1; column < geometry.count; ++column) {
+    // Gaps wider than the step from column to column reach beyond the block at both ends; what stands there is not theirs.
     const int right = geometry.columnLeft(column);
-    frame.gaps.push_back({{std::max(right - settings.lineIntervalPx, left), 0, right, height}, images.gapColour});
+    frame.gaps.push_back(
+        {{std::max(right - settings.lineIntervalPx, left), 0, std::min(right, end), height}, images.gapColour});
   }
 }
 

@@ -65,7 +65,7 @@ TEST_F(AnalyserFrameTest, IsTheLiteralPictureForAnySettings) {
   const auto below = [&](int limit) { return static_cast<int>(random() % static_cast<unsigned>(limit)); };
   for (int run = 0; run < 1500; ++run) {
     settings.lineCount = 4 + below(random() % 2 ? 20 : 197);
-    settings.lineIntervalPx = below(6);
+    settings.lineIntervalPx = below(random() % 4 ? 6 : 40);
     settings.spotHeightPx = below(7);
     settings.spotIntervalPx = below(4);
     settings.midPointPercent = below(101);
@@ -155,6 +155,29 @@ TEST_F(AnalyserFrameTest, KeepsTheGapsColourUntilTheImagesAreRebuilt) {
   EXPECT_EQ(oleColorFromArgb(frame.gaps[0].colour), 0x112233u);
   build(400, 200);
   EXPECT_EQ(oleColorFromArgb(frame.gaps[0].colour), 0x445566u);
+}
+
+TEST_F(AnalyserFrameTest, LeavesWhatStandsBesideTheBlockAloneWhereGapsAreWiderThanColumns) {
+  settings.scaleXVisible = 0;
+  settings.scaleYVisible = -1;
+  settings.backColor = 0x112233;
+  for (const int interval : {2, 3, 20, 59}) {
+    settings.lineIntervalPx = interval;
+    build(100, 80);
+    const ColumnGeometry geometry = columnGeometry(settings, layout.areaWidthPx);
+    ASSERT_LT(geometry.stepPx, interval);
+    ASSERT_GT(geometry.blockWidthPx, 0);
+    settings.backColor = 0x445566;  // the block's gaps keep the old colour; nothing else has ever had it
+    buildFurniture(frame, settings, layout, images, bandAxis(settings, 512, 44100), font);
+    const test::Bitmap shown = picture();
+    const int end = geometry.leftPx + geometry.blockWidthPx;
+    for (int x = 0; x < 100; ++x) {
+      const bool strip = x >= layout.areaWidthPx;
+      const bool inBlock = x >= geometry.leftPx && x < end;
+      EXPECT_EQ(shown.at(x, 40), strip ? 0xF0F0F0u : inBlock ? 0x112233u : 0x445566u) << x << ", interval " << interval;
+    }
+    settings.backColor = 0x112233;
+  }
 }
 
 TEST_F(AnalyserFrameTest, HasScalesTicksAndTextsForMinusOneOnly) {
