@@ -20,6 +20,8 @@ std::uint32_t indexBits(std::uint32_t length) noexcept;
 /// The twiddle factors come from a recurrence, so errors grow with the length: per bin 5e-8 of the largest one at 512
 /// points and 8e-6 at 65536 bound the power spectrum that is made of this transform. The bits of the result are those of
 /// the operations in their textbook order.
+///
+/// These are the plain operations, with no tables that a caller would have to keep; FftPlan has them and is faster.
 void FFT(std::uint32_t length, bool inverse, const double* realIn, const double* imaginaryIn, double* realOut,
          double* imaginaryOut) noexcept;
 

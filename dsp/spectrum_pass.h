@@ -32,7 +32,7 @@ AV_ALWAYS_INLINE FourBins<lanes> lastStages(const double* real, const double* im
   return bins;
 }
 
-/// The powers of a bin below the middle and of its mirror image.
+/// The powers of a bin below the middle and of its mirror image, not divided.
 template <class V>
 struct MirroredPowers {
   V power;
@@ -42,7 +42,7 @@ struct MirroredPowers {
 
 /// From the transform in bins k (`rk`, `ik`) and M − k.
 template <class V>
-AV_ALWAYS_INLINE MirroredPowers<V> mirroredPowers(V rk, V ik, V rj, V ij, V wr, V wi, double divisor) noexcept {
+AV_ALWAYS_INLINE MirroredPowers<V> mirroredPowers(V rk, V ik, V rj, V ij, V wr, V wi) noexcept {
   const V a = 0.5 * (ik + ij);
   const V b = -0.5 * (rk - rj);
   const V c = 0.5 * (rk + rj);
@@ -55,7 +55,7 @@ AV_ALWAYS_INLINE MirroredPowers<V> mirroredPowers(V rk, V ik, V rj, V ij, V wr, 
   const V y = d + wrb + wia;
   const V u = c - wra + wib;
   const V v = -d + wrb + wia;
-  return {(x * x + y * y) / divisor, (u * u + v * v) / divisor, x};
+  return {x * x + y * y, u * u + v * v, x};
 }
 
 /// The powers of the bins whose groups are their own mirror images: those of j = 0 and of j = M/8. Returns a sum that is
@@ -79,9 +79,9 @@ AV_ALWAYS_INLINE double powerOfMiddleBins(const SpectrumSteps& steps, const doub
   double check = 0.0;
   const auto pair = [&](const FourBins<lanes>& bins, int k, int j, std::size_t first, const double* mirror) AV_INLINED {
     const auto powers = mirroredPowers<V>(bins.real[k], bins.imaginary[k], bins.real[j], bins.imaginary[j],
-                                          V{} + mirror[0], V{} + mirror[1], steps.divisor);
-    power[first] = powers.power[0];
-    power[steps.points - first] = powers.mirrored[0];
+                                          V{} + mirror[0], V{} + mirror[1]);
+    power[first] = powers.power[0] / steps.divisor;
+    power[steps.points - first] = powers.mirrored[0] / steps.divisor;
     check += powers.check[0];
   };
   const double* const factors = steps.middleFactors;
@@ -126,13 +126,13 @@ AV_ALWAYS_INLINE bool spectrumPass(const SpectrumSteps& steps, const double* rea
     unrolled<2>([&]<int leg>() AV_INLINED {
       // Bin j + leg·M/4 and its mirror image, then the same with the mirrored groups' bins below the middle.
       const auto lower = mirroredPowers<V>(down.real[leg], down.imaginary[leg], up.real[3 - leg], up.imaginary[3 - leg],
-                                           mirror.real(leg), mirror.imaginary(leg), divisor);
-      store<lanes>(power + j + leg * quarter, lower.power);
-      store<lanes>(power + mirrored + (3 - leg) * quarter, reversed<lanes>(lower.mirrored));
+                                           mirror.real(leg), mirror.imaginary(leg));
+      store<lanes>(power + j + leg * quarter, lower.power / divisor);
+      store<lanes>(power + mirrored + (3 - leg) * quarter, reversed<lanes>(lower.mirrored / divisor));
       const auto upper = mirroredPowers<V>(up.real[leg], up.imaginary[leg], down.real[3 - leg], down.imaginary[3 - leg],
-                                           mirror.real(2 + leg), mirror.imaginary(2 + leg), divisor);
-      store<lanes>(power + mirrored + leg * quarter, reversed<lanes>(upper.power));
-      store<lanes>(power + j + (3 - leg) * quarter, upper.mirrored);
+                                           mirror.real(2 + leg), mirror.imaginary(2 + leg));
+      store<lanes>(power + mirrored + leg * quarter, reversed<lanes>(upper.power / divisor));
+      store<lanes>(power + j + (3 - leg) * quarter, upper.mirrored / divisor);
       check += lower.check + upper.check;
     });
     factors += std::size_t{20} * lanes;
