@@ -59,6 +59,12 @@ void AnalyserAnalysis::updateHeights(const AnalyserSettings& settings, int areaH
   });
 }
 
+void AnalyserAnalysis::moveColumns(const AnalyserSettings& settings, int fromHeightPx, int toHeightPx) noexcept {
+  m_columns.withLines([&](std::span<LineInfo> columns) {
+    type3::moveColumns(columns, m_bands, settings, m_transform.length(), fromHeightPx, toHeightPx);
+  });
+}
+
 bool AnalyserAnalysis::tick(const AnalyserSettings& settings, std::uint32_t nowMs) noexcept {
   auto step = FallOff::Step::none;
   m_columns.withLines(

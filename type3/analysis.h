@@ -55,6 +55,9 @@ class AnalyserAnalysis {
   /// Writes the heights of the last block's bands anew, for settings or an area that have changed.
   void updateHeights(const AnalyserSettings& settings, int areaHeightPx, std::uint32_t nowMs) noexcept;
 
+  /// Writes them for a column area of another height, with the peaks where they belong in it; see moveColumns.
+  void moveColumns(const AnalyserSettings& settings, int fromHeightPx, int toHeightPx) noexcept;
+
   /// A timer tick: lets columns fall when no block has come for a while. Returns whether a redraw is due.
   bool tick(const AnalyserSettings& settings, std::uint32_t nowMs) noexcept;
 

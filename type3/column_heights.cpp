@@ -42,6 +42,18 @@ void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> ban
     writeLine(columns[i], columnHeightPx(bands[i], settings, fftLength, areaHeightPx), nowMs);
 }
 
+void moveColumns(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,
+                 std::int32_t fftLength, int fromHeightPx, int toHeightPx) noexcept {
+  scaleColumns(columns, fromHeightPx, toHeightPx);
+  for (std::size_t i = 0; i < std::min(columns.size(), bands.size()); ++i) {
+    LineInfo& column = columns[i];
+    const bool peakStandsOnColumn = column.peak <= column.value;
+    column.value = columnHeightPx(bands[i], settings, fftLength, toHeightPx);
+    // Whole segments are not in proportion to the area: a scaled peak would leave its column by up to one.
+    column.peak = peakStandsOnColumn ? column.value : std::max(column.peak, column.value);
+  }
+}
+
 void scaleColumns(std::span<LineInfo> columns, int fromHeightPx, int toHeightPx) noexcept {
   if (fromHeightPx <= 0) return;
   for (LineInfo& column : columns) {

@@ -20,6 +20,11 @@ int columnHeightPx(double band, const AnalyserSettings& settings, std::int32_t f
 void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,
                         std::int32_t fftLength, int areaHeightPx, std::uint32_t nowMs) noexcept;
 
+/// Writes the heights of all bands in a column area of another height. Peaks that stand on their column go with it, the
+/// others stay in proportion to the area; the time when a peak was raised stays too. [under the line lock]
+void moveColumns(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,
+                 std::int32_t fftLength, int fromHeightPx, int toHeightPx) noexcept;
+
 /// Columns and peaks of a column area `fromHeightPx` high as they stand in one of `toHeightPx`; as they are where the
 /// former has no height. [under the line lock]
 void scaleColumns(std::span<LineInfo> columns, int fromHeightPx, int toHeightPx) noexcept;

@@ -186,5 +186,22 @@ TEST_F(AnalyserPictures, TicksOfAnInactiveControlStandAtTheirLevelInEverySize) {
   expectAsReference(drawnAt({0, 0}, {301, 200}));
 }
 
+TEST_F(AnalyserPictures, TicksOfTheLastBlockStandOnItsColumnsInEverySize) {
+  putScales(false, false);
+  putLineCount(24);
+  const std::vector<std::int16_t> samples = noise(7, 30000);
+  const WAVEFORMATEX format{WAVE_FORMAT_PCM, 1, 44100, 88200, 2, 16, 0};
+  ASSERT_EQ(S_OK, m_analyser->SendAudioData(
+                      avhost::audioFrames(format, samples.data(), static_cast<LONG>(samples.size() * 2)).get()));
+  computeBands(samples);
+  showTicks();
+  for (const SIZE size : {SIZE{301, 100}, SIZE{301, 151}, SIZE{301, 80}}) {
+    updateModel(size.cy);
+    for (LineInfo& line : m_lines) line.peak = line.value;
+    expectAsReference(drawnAt({0, 0}, size));
+    if (HasFatalFailure()) return;
+  }
+}
+
 }  // namespace
 }  // namespace av::test

@@ -3,9 +3,6 @@
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
 #include "gfx/win/scale_font.h"
-#include "type3/column_heights.h"
-
-#include <span>
 
 namespace av::type3 {
 
@@ -152,9 +149,7 @@ void CAudioVisualization4Type3::draw(HDC target, const RECT& bounds) {
     if (!clientSize() && m_picture.size() != size) {
       const int before = m_picture.columnAreaHeightPx();
       m_picture.layout(m_settings, size);
-      m_lines.lines().withLines(
-          [&](std::span<LineInfo> columns) { scaleColumns(columns, before, m_picture.columnAreaHeightPx()); });
-      m_analysis.updateHeights(m_settings, m_picture.columnAreaHeightPx(), GetTickCount());
+      m_analysis.moveColumns(m_settings, before, m_picture.columnAreaHeightPx());
     }
     m_picture.paint(target, bounds, m_settings, m_analysis.axis(m_settings), m_lines.lines());
   } catch (const std::bad_alloc&) {

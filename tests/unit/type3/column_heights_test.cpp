@@ -123,6 +123,25 @@ TEST(ColumnHeights, RaisePeaksThatTheyExceed) {
   EXPECT_EQ(columns[2], (LineInfo{1000, 0, 10, 0}));
 }
 
+TEST(MoveColumns, TakesPeaksAlongThatStandOnTheirColumnAndKeepsTheProportionOfOthers) {
+  const AnalyserSettings settings;  // segments of 2 pixels, 1 pixel apart
+  std::vector<LineInfo> columns(4);
+  const std::vector<double> bands{bandAt(-48.5), bandAt(-48.5), bandAt(-48.5), 0};
+  writeColumnHeights(columns, bands, settings, 512, 200, 777);
+  ASSERT_EQ(columns[0], (LineInfo{1000, 101, 101, 777}));
+  columns[1].peak = 150;  // from a louder block
+  columns[2].value = 20;  // fallen
+  columns[2].peak = 40;
+  moveColumns(columns, bands, settings, 512, 200, 100);
+  EXPECT_EQ(columns[0], (LineInfo{1000, 50, 50, 777}));  // half of 101 would be above it
+  EXPECT_EQ(columns[1], (LineInfo{1000, 50, 75, 777}));
+  EXPECT_EQ(columns[2], (LineInfo{1000, 50, 50, 777}));  // a peak is never below its column
+  EXPECT_EQ(columns[3], (LineInfo{1000, 0, 0, 777}));
+  moveColumns(columns, bands, settings, 512, 100, 200);
+  EXPECT_EQ(columns[0], (LineInfo{1000, 101, 101, 777}));
+  EXPECT_EQ(columns[1], (LineInfo{1000, 101, 150, 777}));
+}
+
 TEST(ScaleColumns, KeepsTheProportionOfColumnsAndPeaksToTheArea) {
   std::vector<LineInfo> columns(3);
   columns[0].value = 50;
