@@ -22,7 +22,7 @@ class Radix4Hartley {
  public:
   static constexpr int maxLength = 48000;
   /// The last block of a stage may reach beyond the length: up to the next multiple of the largest span, 16384.
-  static constexpr std::size_t bufferLength = 3 * 16384;
+  static constexpr std::size_t bufferLength = 49152;  // 3 * 4^7
 
   /// Reserves the tables of the largest length. Throws std::bad_alloc.
   Radix4Hartley();

@@ -18,16 +18,17 @@ void fillRect(const Pixels& picture, const Rect& rect, Argb colour) noexcept {
 }
 
 void fillFromColumn(const Pixels& picture, const ColumnFill& fill, PreparedColumn column) noexcept {
-  const std::int64_t left = std::max(fill.rect.left, 0);
-  const std::int64_t right = std::min(fill.rect.right, picture.size.widthPx);
+  const int left = std::max(fill.rect.left, 0);
+  const int right = std::min(fill.rect.right, picture.size.widthPx);
   if (left >= right) return;
   const std::int64_t columnTop = std::int64_t{fill.rect.top} - fill.firstRow;  // where its row 0 would lie
   const std::int64_t top = std::max({std::int64_t{fill.rect.top}, std::int64_t{0}, columnTop});
   const std::int64_t bottom = std::min({std::int64_t{fill.rect.bottom}, std::int64_t{picture.size.heightPx},
                                         columnTop + static_cast<std::int64_t>(column.size())});
-  for (std::int64_t y = top; y < bottom; ++y) {
-    std::fill_n(picture.all.begin() + y * picture.size.widthPx + left, right - left,
-                column[static_cast<std::size_t>(y - columnTop)]);
+  // Within the picture now, whose pixels any pointer's width can count.
+  for (auto y = static_cast<std::ptrdiff_t>(top); y < bottom; ++y) {
+    const auto row = picture.all.begin() + y * picture.size.widthPx;
+    std::fill(row + left, row + right, column[static_cast<std::size_t>(y - columnTop)]);
   }
 }
 

@@ -69,8 +69,9 @@ class Fold {
   /// Whole power by repeated squaring, whose bits decide the band limits; std::pow has others.
   static double power(double base, int exponent) noexcept {
     double result = 1.0;
-    for (; exponent > 0; exponent /= 2, base *= base) {
+    for (; exponent > 0; exponent /= 2) {
       if (exponent % 2 != 0) result *= base;
+      base *= base;
     }
     return result;
   }
