@@ -25,7 +25,8 @@ void fillFromColumn(const Pixels& picture, const ColumnFill& fill, PreparedColum
   const std::int64_t top = std::max({std::int64_t{fill.rect.top}, std::int64_t{0}, columnTop});
   const std::int64_t bottom = std::min({std::int64_t{fill.rect.bottom}, std::int64_t{picture.size.heightPx},
                                         columnTop + static_cast<std::int64_t>(column.size())});
-  // Within the picture now, whose pixels any pointer's width can count.
+  if (top >= bottom) return;
+  // Both lie within the picture, whose pixels any pointer's width can count.
   for (auto y = static_cast<std::ptrdiff_t>(top); y < bottom; ++y) {
     const auto row = picture.all.begin() + y * picture.size.widthPx;
     std::fill(row + left, row + right, column[static_cast<std::size_t>(y - columnTop)]);
