@@ -14,7 +14,7 @@ help:
 	@echo "make test-full  all tests, the 32-bit ones too"
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
 	@echo "make build      the 64-bit and the 32-bit library: build/x64/bin, build/x86/bin"
-	@echo "make bench      times the spectrum kernels against the plain operations and FFTW: a table"
+	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
 	@echo "make coverage   line and branch coverage of the portable core"
 	@echo "make lint       formatting, clang-tidy, shell scripts, include arrows"
 	@echo "make format     formats the sources"
@@ -44,8 +44,8 @@ demo:
 
 bench:
 	@tools/bootstrap.sh build bench
-	@tools/build bench power_spectrum_bench
-	@tools/bench
+	@tools/build bench core_bench
+	@tools/bench --write
 
 coverage:
 	@tools/bootstrap.sh coverage

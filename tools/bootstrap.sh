@@ -12,7 +12,7 @@ packagesOf() {
     test) echo wine wine64 fonts-liberation googletest python3 ;;
     test-full) echo xvfb xdotool ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
-    bench) echo libbenchmark-dev libfftw3-dev ;;
+    bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
     x86) echo debootstrap ;;
