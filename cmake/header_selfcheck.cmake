@@ -7,7 +7,7 @@ if(WIN32)
   set(all EXCLUDE_FROM_ALL)
 else()
   file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_SOURCE_DIR}
-       dsp/*.h gfx/*.h common/*.h type1/*.h type2/*.h type3/*.h)
+       simd/*.h dsp/*.h gfx/*.h common/*.h type1/*.h type2/*.h type3/*.h)
   set(all)
 endif()
 

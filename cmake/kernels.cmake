@@ -1,4 +1,4 @@
-# Files for one kind of processor, whose functions are called only where dsp/fft_kernel.cpp has found one. They instantiate
+# Files for one kind of processor, whose functions are called only where simd/usable.cpp has found one. They instantiate
 # templates for their own number of lanes and call no function that another file could have compiled for less.
 set(avx2 -mavx2 -mno-fma)
 set(avx512 -mavx512f)
@@ -8,5 +8,7 @@ if(WIN32)
   list(APPEND avx2 -Wa,-muse-unaligned-vector-move)
   list(APPEND avx512 -Wa,-muse-unaligned-vector-move)
 endif()
-set_source_files_properties(dsp/fft_avx2.cpp PROPERTIES COMPILE_OPTIONS "${avx2}")
-set_source_files_properties(dsp/fft_avx512.cpp PROPERTIES COMPILE_OPTIONS "${avx512}")
+file(GLOB kernels CONFIGURE_DEPENDS */*_avx2.cpp)
+set_source_files_properties(${kernels} PROPERTIES COMPILE_OPTIONS "${avx2}")
+file(GLOB kernels CONFIGURE_DEPENDS */*_avx512.cpp)
+set_source_files_properties(${kernels} PROPERTIES COMPILE_OPTIONS "${avx512}")

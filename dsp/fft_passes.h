@@ -1,7 +1,7 @@
 #pragma once
 
 #include "dsp/fft_kernel.h"
-#include "dsp/vector_lanes.h"
+#include "simd/vector_lanes.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "dsp/radix4_steps.h"
+#include "dsp/hartley_plan.h"
 
 #include <cstddef>
 #include <span>
-#include <vector>
 
 namespace av::dsp {
 
@@ -24,19 +23,16 @@ class Radix4Hartley {
   /// The last block of a stage may reach beyond the length: up to the next multiple of the largest span, 16384.
   static constexpr std::size_t bufferLength = 49152;  // 3 * 4^7
 
-  /// Reserves the tables of the largest length. Throws std::bad_alloc.
-  Radix4Hartley();
+  /// Reserves the tables of the largest length. Throws std::bad_alloc. The bits are the same with all `kernels`.
+  explicit Radix4Hartley(std::span<const HartleyKernel* const> kernels = hartleyKernels());
 
   /// Transforms the first `length` elements (0 to 48000) in place; allocates nothing. Elements beyond them take part
   /// where a stage's last block reaches that far: they go in as they are and come out changed.
   void transform(std::span<double, bufferLength> buffer, int length) noexcept;
 
  private:
-  void makeTables(int length) noexcept;
-
   int m_length = 0;
-  std::vector<IndexPair> m_exchanges;
-  std::vector<HartleyTwiddle> m_twiddles;  ///< stage after stage
+  HartleyPlan m_plan;
 };
 
 }  // namespace av::dsp

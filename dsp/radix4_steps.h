@@ -1,19 +1,16 @@
 #pragma once
 
 #include <cstdint>
-#include <utility>
-#include <vector>
+#include <span>
 
 /// What the fast Hartley transforms of this library are made of: R. N. Bracewell, "The fast Hartley transform",
 /// Proc. IEEE 72 (1984), with two radix-2 steps fused into one of radix 4.
 namespace av::dsp {
 
-using IndexPair = std::pair<std::uint16_t, std::uint16_t>;
-
-/// Appends the exchanges, in their order, that bring `length` elements (0 to 65536) into bit-reversed order.
-/// For a length that is no power of two the same carry loop runs over the bits of length / 2; it ends when no bit is
-/// left. What comes out then is an odd order, but always the same one.
-void appendBitReversal(int length, std::vector<IndexPair>& exchanges);
+/// Writes which element goes to each place when `order.size()` elements (0 to 65536) are brought into bit-reversed order.
+/// For a length that is no power of two the same carry loop runs over the bits of length / 2, exchange by exchange; it
+/// ends when no bit is left. What comes out then is an odd order, but always the same one.
+void fillBitReversedOrder(std::span<std::uint16_t> order) noexcept;
 
 /// Rotation factors of index k in a stage.
 struct HartleyTwiddle {

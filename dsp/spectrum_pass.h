@@ -2,7 +2,7 @@
 
 #include "dsp/fft_kernel.h"
 #include "dsp/fft_passes.h"
-#include "dsp/vector_lanes.h"
+#include "simd/vector_lanes.h"
 
 #include <cstddef>
 

@@ -11,10 +11,11 @@ import sys
 
 # Which folders of the project each folder may include. A folder may always include itself.
 ARROWS = {
-    "dsp": [],
+    "simd": [],
+    "dsp": ["simd"],
     "gfx": [],
     "gfx/win": ["gfx"],
-    "common": ["gfx"],
+    "common": ["gfx", "simd"],
     "common/win": ["common", "gfx", "ole", "generated"],
     "ole": [],
     "module": ["common", "common/win", "gfx/win", "ole", "type1/win", "type2/win", "type3/win", "generated"],
@@ -27,7 +28,7 @@ for control in ("type1", "type2", "type3"):
     ARROWS[control] = ["dsp", "gfx", "common"]
     ARROWS[control + "/win"] = [control, "common", "common/win", "gfx", "gfx/win", "ole", "generated"]
 
-PORTABLE = {"dsp", "gfx", "common", "type1", "type2", "type3"}
+PORTABLE = {"simd", "dsp", "gfx", "common", "type1", "type2", "type3"}
 
 # What the portable core may include in angle brackets: the C++20 library, and the compiler's intrinsics for kernels
 # that are chosen at run time. In particular no <windows.h>.

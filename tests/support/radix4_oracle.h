@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -7,17 +8,8 @@
 
 namespace av::test {
 
-/// The level meter's transform of the first `n` places, word by word: reordering by the carry loop, then the stages, each
-/// with its first butterflies, its eighth-point butterflies and its rotations, twiddle by twiddle over all blocks.
-/// `x` has 49152 places.
-inline void literalRadix4(std::vector<double>& x, std::size_t n) {
-  const auto pair = [&x](std::size_t u, std::size_t w) {
-    const double sum = x.at(u) + x.at(w);
-    const double difference = x.at(u) - x.at(w);
-    x.at(u) = sum;
-    x.at(w) = difference;
-  };
-
+/// Bit-reversed order, by the carry loop; for lengths that are no power of two the loop ends when no bit is left.
+inline void literalReorder(std::vector<double>& x, std::size_t n) {
   std::size_t j = 0;
   for (std::size_t i = 1; i < n; ++i) {
     std::size_t m = n / 2;
@@ -29,10 +21,20 @@ inline void literalRadix4(std::vector<double>& x, std::size_t n) {
     }
     if (i > j) std::swap(x.at(i), x.at(j));
   }
-  if (n < 4) return;
+}
 
-  const double pi = 3.14159265358979323846;
-  for (std::size_t k = 4; k <= n; k *= 4) {
+/// Radix-4 stages of the spans `firstSpan`, 4·`firstSpan`, ... of the first `n` places, each with its first butterflies,
+/// its eighth-point butterflies and its rotations, twiddle by twiddle over all blocks.
+/// `factorsOf(t, span)` → {cos θ, sin θ, cos 2θ, sin 2θ}.
+template <class Factors>
+void literalStages(std::vector<double>& x, std::size_t n, std::size_t firstSpan, Factors factorsOf) {
+  const auto pair = [&x](std::size_t u, std::size_t w) {
+    const double sum = x.at(u) + x.at(w);
+    const double difference = x.at(u) - x.at(w);
+    x.at(u) = sum;
+    x.at(w) = difference;
+  };
+  for (std::size_t k = firstSpan; k <= n; k *= 4) {
     const std::size_t q = k / 4;
     const std::size_t half = k / 2;
     for (std::size_t b = 0; b < n; b += k) {
@@ -49,11 +51,7 @@ inline void literalRadix4(std::vector<double>& x, std::size_t n) {
       pair(b + q + e, b + 3 * q + e);
     }
     for (std::size_t t = 1; t < k / 8; ++t) {
-      const double theta = static_cast<double>(((t * n) / 4) / q) * 2 * pi / static_cast<double>(n);
-      const double c1 = std::cos(theta);
-      const double s1 = std::sin(theta);
-      const double c2 = c1 * c1 - s1 * s1;
-      const double s2 = 2 * c1 * s1;
+      const auto [c1, s1, c2, s2] = factorsOf(t, k);
       const std::size_t mirror = q - t;
       for (std::size_t b = 0; b < n; b += k) {
         // Second quarter onto the first, fourth onto the third.
@@ -84,6 +82,38 @@ inline void literalRadix4(std::vector<double>& x, std::size_t n) {
       }
     }
   }
+}
+
+/// The level meter's transform of the first `n` of 49152 places, word by word.
+inline void literalRadix4(std::vector<double>& x, std::size_t n) {
+  literalReorder(x, n);
+  literalStages(x, n, 4, [n](std::size_t t, std::size_t k) {
+    const double theta =
+        static_cast<double>(((t * n) / 4) / (k / 4)) * 2 * 3.14159265358979323846 / static_cast<double>(n);
+    const double c1 = std::cos(theta);
+    const double s1 = std::sin(theta);
+    return std::array{c1, s1, c1 * c1 - s1 * s1, 2 * c1 * s1};
+  });
+}
+
+/// The view's transform, for powers of two: a stage of span 2 ahead where the length is no power of four, and each factor
+/// from its own cosine or sine.
+inline void literalHartley(std::vector<double>& x) {
+  const std::size_t n = x.size();
+  literalReorder(x, n);
+  std::size_t rest = n;
+  while (rest > 2) rest /= 4;
+  if (rest == 2) {
+    for (std::size_t i = 0; i < n; i += 2) {
+      const double sum = x.at(i) + x.at(i + 1);
+      x.at(i + 1) = x.at(i) - x.at(i + 1);
+      x.at(i) = sum;
+    }
+  }
+  literalStages(x, n, rest == 2 ? 8 : 4, [](std::size_t t, std::size_t k) {
+    const double theta = 2 * 3.14159265358979323846 * static_cast<double>(t) / static_cast<double>(k);
+    return std::array{std::cos(theta), std::sin(theta), std::cos(2 * theta), std::sin(2 * theta)};
+  });
 }
 
 }  // namespace av::test

@@ -3,95 +3,26 @@
 #include "dsp/fft_plan.h"
 #include "dsp/spectrum_analyzer.h"
 #include "support/fft_oracle.h"
+#include "support/special_signals.h"
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <bit>
 #include <cmath>
-#include <functional>
 #include <limits>
-#include <random>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace av::dsp {
 namespace {
 
+using test::difference;
+using test::make;
+using test::noise;
+using test::Signal;
+using test::specialSignals;
 using Values = std::vector<double>;
 
-constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double largest = std::numeric_limits<double>::max();
-constexpr double leastDenormal = std::numeric_limits<double>::denorm_min();
-
-struct Signal {
-  const char* name;
-  std::function<double(std::mt19937&, std::size_t)> value;
-};
-
-double uniform(std::mt19937& random, double range) {
-  return std::uniform_real_distribution<double>(-range, range)(random);
-}
-
-Values make(const Signal& signal, std::size_t count, unsigned seed) {
-  std::mt19937 random(seed);
-  Values values(count);
-  for (std::size_t i = 0; i < count; ++i) values[i] = signal.value(random, i);
-  return values;
-}
-
-const Signal noise{"noise", [](std::mt19937& random, std::size_t) { return uniform(random, 32768); }};
-
-/// A signal with `extra` at about one place in 50, and everywhere else 0 or noise.
-Signal sprinkled(const char* name, double extra, bool withNoise) {
-  return {name, [=](std::mt19937& random, std::size_t) {
-            if (random() % 50 == 0) return random() % 2 ? extra : -extra;
-            return withNoise ? uniform(random, 1) : 0.0;
-          }};
-}
-
-const std::vector<Signal> specialSignals{
-    {"silence", [](std::mt19937&, std::size_t) { return 0.0; }},
-    {"negative zeros", [](std::mt19937&, std::size_t) { return -0.0; }},
-    {"zeros of both signs", [](std::mt19937& random, std::size_t) { return random() % 2 ? 0.0 : -0.0; }},
-    {"a constant", [](std::mt19937&, std::size_t) { return 3.0; }},
-    {"half the sample rate", [](std::mt19937&, std::size_t i) { return i % 2 ? -5.0 : 5.0; }},
-    {"an impulse", [](std::mt19937&, std::size_t i) { return i == 0 ? 1.0 : 0.0; }},
-    {"a late impulse and negative zeros", [](std::mt19937&, std::size_t i) { return i == 7 ? -1.0 : -0.0; }},
-    {"16-bit samples", [](std::mt19937& random, std::size_t) { return std::round(uniform(random, 32768)); }},
-    {"denormals", [](std::mt19937& random, std::size_t) { return uniform(random, 1000) * leastDenormal; }},
-    {"values whose products are denormal", [](std::mt19937& random, std::size_t) { return uniform(random, 1e-307); }},
-    {"values whose squares are denormal", [](std::mt19937& random, std::size_t) { return uniform(random, 1e-161); }},
-    {"values whose squares just are not denormal",
-     [](std::mt19937& random, std::size_t) { return uniform(random, 1e-153); }},
-    {"values whose squares overflow", [](std::mt19937& random, std::size_t) { return uniform(random, 1e154); }},
-    {"values whose sums overflow", [](std::mt19937& random, std::size_t) { return uniform(random, largest / 4); }},
-    {"values of all sizes",
-     [](std::mt19937& random, std::size_t) { return std::ldexp(uniform(random, 1), int(random() % 2000) - 1050); }},
-    sprinkled("infinities", infinity, true),
-    sprinkled("infinities in silence", infinity, false),
-    sprinkled("NaNs", nan, true),
-    sprinkled("NaNs in silence", nan, false),
-    sprinkled("the largest numbers", largest, true),
-    sprinkled("the least numbers", leastDenormal, false),
-    {"one infinity", [](std::mt19937&, std::size_t i) { return i == 11 ? infinity : 1.0; }},
-    {"one NaN at the end", [](std::mt19937&, std::size_t i) { return i == 31 ? nan : 0.0; }},
-};
-
-/// Where the first difference is, or nothing. Which NaN an operation on two of them gives is up to the compiler, in the
-/// plain operations too: a NaN equals any other. All else has to have the same bits.
-std::string difference(const Values& actual, const Values& expected) {
-  if (actual.size() != expected.size()) return "sizes differ";
-  for (std::size_t i = 0; i < actual.size(); ++i) {
-    if (std::isnan(actual[i]) && std::isnan(expected[i])) continue;
-    if (std::bit_cast<std::uint64_t>(actual[i]) != std::bit_cast<std::uint64_t>(expected[i]))
-      return testing::PrintToString(actual[i]) + " for " + testing::PrintToString(expected[i]) + " at " +
-             std::to_string(i);
-  }
-  return {};
-}
 
 class EachFftKernel : public testing::TestWithParam<const FftKernel*> {
  protected:
@@ -194,12 +125,7 @@ TEST_P(EachFftKernel, DividesByTheWindowPowersOfAllWindows) {
 }
 
 INSTANTIATE_TEST_SUITE_P(OnThisProcessor, EachFftKernel, testing::ValuesIn(fftKernels().begin(), fftKernels().end()),
-                         [](const auto& kernel) {
-                           std::string name;
-                           for (const char* c = kernel.param->name; *c; ++c)
-                             if (*c != '-') name += *c;
-                           return name;
-                         });
+                         test::kernelName<FftKernel>);
 
 TEST(FftKernels, OfThisProcessorEndWithTheOneThatEveryProcessorHas) {
   ASSERT_FALSE(fftKernels().empty());

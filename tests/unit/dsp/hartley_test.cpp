@@ -103,7 +103,7 @@ TEST(Hartley, OfFourAndTwoSamplesByHand) {
 TEST(Hartley, TwiceGivesTheSamplesTimesTheLength) {
   for (const std::size_t n : av::test::windowSizes) {
     const auto x = av::test::noise(n, 32767, 7);
-    const HartleyTransform transform(static_cast<int>(n));
+    HartleyTransform transform(static_cast<int>(n));
     auto y = x;
     transform.transform(y);
     transform.transform(y);

@@ -3,7 +3,7 @@
 #include <cstddef>
 #include <utility>
 
-namespace av::dsp {
+namespace av {
 
 // Vectors of doubles for kernels: the compilers' own vector types, whose operators work lane by lane. Everything here is
 // told apart by the number of lanes and always inlined, so that code for one kind of processor never stands in for
@@ -77,4 +77,4 @@ AV_ALWAYS_INLINE void transpose(Vector<lanes>* rows) noexcept {
   }
 }
 
-}  // namespace av::dsp
+}  // namespace av

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "dsp/hartley_blocks.h"
+#include "dsp/hartley_stages.h"
+
+namespace av::dsp {
+
+/// A kernel's functions; see HartleyKernel.
+template <int lanes>
+struct HartleyKernelBody {
+  static void blocks(const HartleySteps& steps, const double* values, double* to) noexcept {
+    if (steps.blockSpan == 64) {
+      hartleyBlocks<lanes, 64>(steps, values, to);
+    } else {
+      hartleyBlocks<lanes, 32>(steps, values, to);
+    }
+  }
+
+  static void stages(const HartleySteps& steps, double* work, double* values) noexcept {
+    hartleyStages<lanes>(steps, work, values);
+  }
+
+  static constexpr HartleyKernel kernel(const char* name) noexcept { return {name, lanes, blocks, stages}; }
+};
+
+}  // namespace av::dsp
