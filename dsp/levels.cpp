@@ -1,23 +1,31 @@
 #include "dsp/levels.h"
 
-#include <cmath>
+#include "simd/decibels.h"
+
+#include <limits>
 
 namespace av::dsp {
+namespace {
 
-double powerToLevelDb(double power, double fullScale) noexcept {
-  return power == 0.0 ? emptyBinDb : 20.0 * std::log10(std::sqrt(power) / fullScale);
+/// Beyond any depth that is decoded: a header may claim so many bits that a square of the full scale is infinite.
+constexpr double largestSquaredScale = 0x1p40;
+
+LevelScale levelScale(std::size_t length, double fullScale, double floorDb) noexcept {
+  const double perSample = 1.0 / static_cast<double>(length);
+  if (fullScale <= largestSquaredScale) return {perSample, 1.0 / (fullScale * fullScale), 0.0, emptyBinDb, floorDb};
+  return {perSample, 1.0, -2.0 * decibels(fullScale), emptyBinDb, floorDb};
 }
 
-void hartleyBinsToLevels(std::span<double> hartley, double fullScale) noexcept {
-  for (std::size_t k = 1; k < hartley.size() / 2; ++k)
-    hartley[k] = powerToLevelDb(hartleyBinPower(hartley, k), fullScale);
+}  // namespace
+
+void hartleyBinsToLevels(std::span<double> hartley, double fullScale, const LevelKernel& kernel) noexcept {
+  hartleyBinsToLevels(hartley, fullScale, -std::numeric_limits<double>::infinity(), kernel);
 }
 
-void hartleyBinsToLevels(std::span<double> hartley, double fullScale, double floorDb) noexcept {
-  for (std::size_t k = 1; k < hartley.size() / 2; ++k) {
-    const double levelDb = powerToLevelDb(hartleyBinPower(hartley, k), fullScale);
-    hartley[k] = levelDb >= floorDb ? levelDb : floorDb;
-  }
+void hartleyBinsToLevels(std::span<double> hartley, double fullScale, double floorDb,
+                         const LevelKernel& kernel) noexcept {
+  if (hartley.empty()) return;
+  kernel.levels(hartley.data(), hartley.size(), levelScale(hartley.size(), fullScale, floorDb));
 }
 
 }  // namespace av::dsp

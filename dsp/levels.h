@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstddef>
+#include "dsp/level_kernel.h"
+
 #include <span>
 
 namespace av::dsp {
@@ -8,24 +9,18 @@ namespace av::dsp {
 /// Level of a bin that holds nothing at all.
 inline constexpr double emptyBinDb = -200.0;
 
-/// Power of bin k of a Hartley transform H of N points, k from 1 to N/2 − 1: re² + im² with
-/// re = (H[k] + H[N − k])/N and im = (H[k] − H[N − k])/N. A sinusoid of amplitude A that falls on the bin gives A².
-inline double hartleyBinPower(std::span<const double> hartley, std::size_t k) noexcept {
-  const std::size_t length = hartley.size();
-  const double n = static_cast<double>(length);
-  const double re = (hartley[k] + hartley[length - k]) / n;
-  const double im = (hartley[k] - hartley[length - k]) / n;
-  return re * re + im * im;
-}
-
-/// 20·log10(√power ÷ fullScale) in dB; exactly −200 where the power is exactly 0.
-double powerToLevelDb(double power, double fullScale) noexcept;
-
-/// Writes the level in dB of each bin from 1 to N/2 − 1 over H[k]. Element 0 and the elements from N/2 upward keep the
-/// transform's values: blocks that cannot be decoded are analysed again from just this state.
-void hartleyBinsToLevels(std::span<double> hartley, double fullScale) noexcept;
+/// Writes the level in dB of each bin k from 1 to N/2 − 1 over H[k], the Hartley transform of N points: with
+/// re = (H[k] + H[N − k])/N and im = (H[k] − H[N − k])/N it is 20·log10(√(re² + im²) ÷ fullScale), and exactly −200 where
+/// re² + im² is exactly 0. A sinusoid of amplitude A that falls on the bin gives 20·log10(A ÷ fullScale).
+///
+/// Element 0 and the elements from N/2 upward keep the transform's values: blocks that cannot be decoded are analysed again
+/// from just this state. Levels have the same bits in every build and with each of levelKernels(); they are off by a few
+/// units in the last place.
+void hartleyBinsToLevels(std::span<double> hartley, double fullScale,
+                         const LevelKernel& kernel = *levelKernels().front()) noexcept;
 
 /// The same with a floor: levels below `floorDb` (−200 or more), and those that are no number, become it.
-void hartleyBinsToLevels(std::span<double> hartley, double fullScale, double floorDb) noexcept;
+void hartleyBinsToLevels(std::span<double> hartley, double fullScale, double floorDb,
+                         const LevelKernel& kernel = *levelKernels().front()) noexcept;
 
 }  // namespace av::dsp

@@ -38,7 +38,7 @@ inline std::vector<double> make(const Signal& signal, std::size_t count, unsigne
   return values;
 }
 
-inline const Signal noise{"noise", [](std::mt19937& random, std::size_t) { return uniform(random, 32768); }};
+inline const Signal whiteNoise{"noise", [](std::mt19937& random, std::size_t) { return uniform(random, 32768); }};
 
 /// A signal with `extra` at about one place in 50, and everywhere else 0 or noise.
 inline Signal sprinkled(const char* name, double extra, bool withNoise) {

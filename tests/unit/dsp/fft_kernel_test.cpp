@@ -17,9 +17,9 @@ namespace {
 
 using test::difference;
 using test::make;
-using test::noise;
 using test::Signal;
 using test::specialSignals;
+using test::whiteNoise;
 using Values = std::vector<double>;
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
@@ -56,7 +56,7 @@ TEST_P(EachFftKernel, TransformsWithTheBitsOfTheLiteralOperationsAtEveryLength) 
     for (const bool inverse : {false, true})
       for (const bool withImaginary : {false, true}) {
         if (length > 8192 && inverse == withImaginary) continue;
-        ASSERT_EQ(transformDifference(noise, length, inverse, withImaginary), "")
+        ASSERT_EQ(transformDifference(whiteNoise, length, inverse, withImaginary), "")
             << length << ", inverse " << inverse << ", with imaginary input " << withImaginary;
       }
   }
@@ -75,7 +75,7 @@ TEST_P(EachFftKernel, ComputesPowerSpectraWithTheBitsOfTheLiteralOperationsAtEve
   CSpectrumAnalyzer analyzer(kernel());
   for (std::int32_t length = 4; length <= 1 << 18; length *= 2) {
     analyzer.SetLength(length);
-    ASSERT_EQ(powerDifference(analyzer, noise, 23), "") << length;
+    ASSERT_EQ(powerDifference(analyzer, whiteNoise, 23), "") << length;
   }
 }
 
@@ -97,7 +97,7 @@ TEST_P(EachFftKernel, ComputesManyBlocksWithTheBitsOfTheLiteralOperations) {
     analyzer.SetLength(length);
     for (unsigned seed = 0; seed < 100; ++seed) {
       // A special block between others: nothing of it may stay.
-      const Signal& signal = seed % 4 == 3 ? specialSignals[seed / 4 % specialSignals.size()] : noise;
+      const Signal& signal = seed % 4 == 3 ? specialSignals[seed / 4 % specialSignals.size()] : whiteNoise;
       ASSERT_EQ(powerDifference(analyzer, signal, seed), "") << signal.name << ", " << length << ", seed " << seed;
     }
   }
@@ -110,7 +110,7 @@ TEST_P(EachFftKernel, DividesByAPowerThatIsNoNumber) {
   for (const std::int32_t length : {4, 256, 2048}) {
     analyzer.SetLength(length);
     ASSERT_TRUE(std::isnan(analyzer.WindowPower()));
-    EXPECT_EQ(powerDifference(analyzer, noise, 25), "") << length;
+    EXPECT_EQ(powerDifference(analyzer, whiteNoise, 25), "") << length;
   }
 }
 
@@ -120,7 +120,7 @@ TEST_P(EachFftKernel, DividesByTheWindowPowersOfAllWindows) {
     analyzer.SetWindowType(window);
     analyzer.SetLength(1024);
     analyzer.SetWindowType((window + 1) % static_cast<std::uint32_t>(WindowTable.size()));
-    EXPECT_EQ(powerDifference(analyzer, noise, 26), "") << window;
+    EXPECT_EQ(powerDifference(analyzer, whiteNoise, 26), "") << window;
   }
 }
 
@@ -144,7 +144,7 @@ TEST(FftPlan, HasNoKernelForLengthsThatNeedThePlainOperations) {
 }
 
 TEST(FftPlan, StaysWholeWhenItIsMoved) {
-  const Values real = make(noise, 256, 27);
+  const Values real = make(whiteNoise, 256, 27);
   const auto expected = test::literalFft(false, real, {});
   FftPlan first(256, false, *fftKernels().front());
   FftPlan second;

@@ -17,9 +17,9 @@ namespace {
 
 using test::difference;
 using test::make;
-using test::noise;
 using test::Signal;
 using test::specialSignals;
+using test::whiteNoise;
 using Values = std::vector<double>;
 
 constexpr std::size_t places = Radix4Hartley::bufferLength;
@@ -49,7 +49,7 @@ class EachHartleyKernel : public testing::TestWithParam<const HartleyKernel*> {
 
  private:
   std::vector<const HartleyKernel*> m_kernels{GetParam(), &sse2HartleyKernel};
-  const Values m_rest = make(noise, places, 30);
+  const Values m_rest = make(whiteNoise, places, 30);
 };
 
 /// Around the lengths where kernels begin, blocks end and spans are added, and some that hosts send.
@@ -60,14 +60,14 @@ constexpr std::size_t lengths[] = {255,  256,  257,  319,  320,   321,   383,   
 TEST_P(EachHartleyKernel, HasTheBitsOfTheLiteralStagesAtTheMetersLengths) {
   Radix4Hartley transform(kernels());
   for (const std::size_t length : lengths)
-    ASSERT_EQ(meterDifference(transform, noise, length, 31), "") << length << " samples";
+    ASSERT_EQ(meterDifference(transform, whiteNoise, length, 31), "") << length << " samples";
 }
 
 TEST_P(EachHartleyKernel, HasTheBitsOfTheLiteralStagesAtTheViewsLengths) {
   for (int length = 2; length <= 65536; length *= 2) {
     HartleyTransform transform(length, kernels());
     for (unsigned seed = 32; seed < (length <= 4096 ? 42 : 33); ++seed)
-      ASSERT_EQ(viewDifference(transform, noise, seed), "") << length << " samples";
+      ASSERT_EQ(viewDifference(transform, whiteNoise, seed), "") << length << " samples";
   }
 }
 
@@ -93,7 +93,8 @@ class FullEachHartleyKernel : public EachHartleyKernel {};
 TEST_P(FullEachHartleyKernel, HasTheBitsOfTheLiteralStagesAtEveryLengthUpTo5000) {
   Radix4Hartley transform(kernels());
   for (std::size_t length = 1; length <= 5000; ++length)
-    ASSERT_EQ(meterDifference(transform, noise, length, static_cast<unsigned>(length)), "") << length << " samples";
+    ASSERT_EQ(meterDifference(transform, whiteNoise, length, static_cast<unsigned>(length)), "")
+        << length << " samples";
 }
 
 INSTANTIATE_TEST_SUITE_P(FullOnThisProcessor, FullEachHartleyKernel,

@@ -3,6 +3,7 @@
 #include "dsp/centred_windows.h"
 #include "dsp/hartley.h"
 #include "support/hartley_oracle.h"
+#include "support/special_signals.h"
 
 #include <gtest/gtest.h>
 
@@ -97,9 +98,43 @@ TEST(Levels, OfSilenceAreExactlyTheFloor) {
 }
 
 TEST(Levels, TakeTheFloorOnlyForAPowerOfExactlyZero) {
-  EXPECT_EQ(av::dsp::powerToLevelDb(0.0, 32767.0), -200.0);
-  EXPECT_LT(av::dsp::powerToLevelDb(1e-40, 1.0), -399.0);
-  EXPECT_NEAR(av::dsp::powerToLevelDb(1.0, 10.0), -20.0, 1e-13);
+  std::vector<double> x(64, 0.0);
+  x[2] = x[62] = 32e-20;  // a power of 1e-40
+  x[3] = x[61] = 32.0;    // a power of 1
+  x[4] = 1e-170;          // squares that are nothing at all
+  hartleyBinsToLevels(x, 10.0);
+  EXPECT_EQ(x[1], -200.0);
+  EXPECT_NEAR(x[2], -420.0, 1e-12);
+  EXPECT_NEAR(x[3], -20.0, 1e-14);
+  EXPECT_EQ(x[4], -200.0);
+}
+
+TEST(Levels, OfAFullScaleThatNoDepthHasAreRightToo) {
+  // 2^599 and ∞, which headers of 600 and of 65535 bits claim.
+  std::vector<double> x(64, 0.0);
+  x[3] = x[61] = 32.0;
+  auto y = x;
+  hartleyBinsToLevels(x, 0x1p599);
+  hartleyBinsToLevels(y, std::numeric_limits<double>::infinity());
+  EXPECT_NEAR(x[3], -20.0 * 599.0 * std::log10(2.0), 1e-11);
+  EXPECT_EQ(y[3], -std::numeric_limits<double>::infinity());
+}
+
+TEST(Levels, HaveTheSameBitsWithEachKernel) {
+  for (const std::size_t n : {2, 3, 4, 15, 16, 17, 18, 20, 30, 64, 65, 441, 1000, 1024}) {
+    for (const auto& signal : av::test::specialSignals) {
+      const auto hartley = av::test::make(signal, n, 12);
+      for (const double floorDb : {-91.0, -std::numeric_limits<double>::infinity()}) {
+        auto expected = hartley;
+        hartleyBinsToLevels(expected, 32767.0, floorDb, av::dsp::sse2LevelKernel);
+        for (const av::dsp::LevelKernel* kernel : av::dsp::levelKernels()) {
+          auto actual = hartley;
+          hartleyBinsToLevels(actual, 32767.0, floorDb, *kernel);
+          ASSERT_EQ(av::test::difference(actual, expected), "") << kernel->name << ", " << signal.name << ", N = " << n;
+        }
+      }
+    }
+  }
 }
 
 TEST(Levels, LeaveElementZeroAndTheUpperHalf) {

@@ -38,7 +38,7 @@ class MeterAnalysisTest : public testing::Test {
     for (const LineInfo& line : lines()) result.push_back(line.value);
     return result;
   }
-  /// Pushes a block into meter and model; both must show the same bits.
+  /// Pushes a block into meter and model. Logarithms differ in their last bits, everything before them in none.
   void expectAsTheModel(const Pcm& pcm, int frames) {
     ASSERT_EQ(accept(pcm), Outcome::analysed);
     const int length = analysisLength(frames);
@@ -48,7 +48,7 @@ class MeterAnalysisTest : public testing::Test {
         m_model.bands(pcm, static_cast<std::size_t>(length), m_settings.fftWindowType, m_list.count(), mode);
     const auto actual = values();
     for (std::size_t i = 0; i < expected.size(); ++i)
-      ASSERT_TRUE(actual[i] == expected[i] || (std::isnan(actual[i]) && std::isnan(expected[i])))
+      ASSERT_TRUE(std::fabs(actual[i] - expected[i]) < 1e-12 || (std::isnan(actual[i]) && std::isnan(expected[i])))
           << frames << " frames, line " << i << ": " << actual[i] << ", not " << expected[i];
   }
 

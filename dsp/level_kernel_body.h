@@ -1,0 +1,56 @@
+#pragma once
+
+#include "dsp/level_kernel.h"
+#include "simd/decibels.h"
+
+#include <limits>
+
+namespace av::dsp {
+
+/// The levels of a vector of bins from the transform's elements k and N − k. `withFloor`: whether there is a floor.
+template <int lanes, bool withFloor>
+AV_ALWAYS_INLINE Vector<lanes> levelsOf(Vector<lanes> lower, Vector<lanes> upper, const LevelScale& scale) noexcept {
+  using V = Vector<lanes>;
+  const V re = (lower + upper) * scale.perSample;
+  const V im = (lower - upper) * scale.perSample;
+  const V power = re * re + im * im;
+  const V level = decibels<lanes>(power * scale.gain) + scale.offsetDb;
+  const V filled = power == 0.0 ? V{} + scale.emptyDb : level;
+  if constexpr (!withFloor) return filled;
+  return filled >= scale.floorDb ? filled : V{} + scale.floorDb;
+}
+
+template <int lanes, bool withFloor>
+AV_ALWAYS_INLINE void fillLevels(double* hartley, std::size_t length, const LevelScale& scale) noexcept {
+  const std::size_t bins = length / 2;
+  std::size_t k = 1;
+  for (; k + lanes <= bins; k += lanes) {
+    const Vector<lanes> upper = reversed<lanes>(load<lanes>(hartley + length - k - (lanes - 1)));
+    store<lanes>(hartley + k, levelsOf<lanes, withFloor>(load<lanes>(hartley + k), upper, scale));
+  }
+  // Fewer than a vector is left: it is filled up with empty bins.
+  Vector<lanes> lower{};
+  Vector<lanes> upper{};
+  for (std::size_t lane = 0; k + lane < bins; ++lane) {
+    lower[lane] = hartley[k + lane];
+    upper[lane] = hartley[length - k - lane];
+  }
+  const Vector<lanes> levels = levelsOf<lanes, withFloor>(lower, upper, scale);
+  for (std::size_t lane = 0; k + lane < bins; ++lane) hartley[k + lane] = levels[lane];
+}
+
+/// A kernel's function; see LevelKernel.
+template <int lanes>
+struct LevelKernelBody {
+  static void levels(double* hartley, std::size_t length, const LevelScale& scale) noexcept {
+    if (scale.floorDb == -std::numeric_limits<double>::infinity()) {
+      fillLevels<lanes, false>(hartley, length, scale);
+    } else {
+      fillLevels<lanes, true>(hartley, length, scale);
+    }
+  }
+
+  static constexpr LevelKernel kernel(const char* name) noexcept { return {name, levels}; }
+};
+
+}  // namespace av::dsp
