@@ -3,6 +3,7 @@
 #include "demo/failure.h"
 #include "demo/looks.h"
 #include "demo/options.h"
+#include "demo/picture_list.h"
 #include "demo/player.h"
 #include "demo/wav_reader.h"
 #include "demo/window_picture.h"
@@ -104,6 +105,20 @@ class Demo {
     }
   }
 
+  /// Draws one picture of a list.
+  void draw(const ListedPicture& picture) {
+    const ComPtr<IAudioVisualizationTemplate> control = m_source.create(*picture.control);
+    avhost::Container container;
+    require(container.open({.title = picture.name.c_str(), .clientSizePx = picture.sizePx, .positionPx = {0, 0}}),
+            L"opening a window");
+    require(container.host(control.Get()), L"hosting the control");
+    prepare(picture, *control.Get());
+    if (!container.controlWindow()) throw Failure{L"the control has no window"};
+    InvalidateRect(container.controlWindow(), nullptr, FALSE);  // the meter would wait for its timer
+    save(container.controlWindow(), picture.name);
+    if (container.close() != 0) throw Failure{L"the control still holds its closed container"};
+  }
+
  private:
   void drawLook(const Look& look, const WavRecording& recording, const std::wstring& name) {
     const ComPtr<IAudioVisualizationTemplate> control = m_source.create(*look.control);
@@ -161,6 +176,11 @@ int run(const Options& options) {
     if (!demo) demo.emplace(options);
     demo->draw(name, recording);
   };
+  if (!options.pictures.empty()) {
+    Demo listed(options);
+    for (const ListedPicture& picture : options.pictures) listed.draw(picture);
+    return 0;
+  }
   bool allGood = true;
   if (options.recordings.empty()) draw(L"tones", generatedTones());
   for (const fs::path& path : options.recordings) {

@@ -9,12 +9,17 @@ namespace avdemo {
 
 const wchar_t usage[] =
     L"avdemo [--out DIR] [--size WxH] [--look NAME]... [--registered] [WAV...]\n"
+    L"avdemo [--out DIR] [--registered] --pictures LIST\n"
     L"Hosts a control in a window, plays each recording into it block by block and saves what the window shows, once "
     L"for\n"
     L"each look: NAME-waveform.png, NAME-meter-dark.png and so on. Without a recording it plays a generated tone.\n"
     L"  --out DIR     folder of the pictures (default: the current one)\n"
     L"  --size WxH    size of the control in pixels, 80x50 to 4096x4096\n"
     L"  --look NAME   only this look, and others that are given in the same way\n"
+    L"  --pictures LIST  instead of recordings, a made-up sound in controls with the properties that a text file "
+    L"lists: a\n"
+    L"                picture a line, NAME, view|meter|analyser, WxH and any number of PROPERTY=VALUE, separated by "
+    L"tabs\n"
     L"  --registered  create the control from the registry, not from the library beside the program\n"
     L"Recordings are PCM WAV files: 8, 16, 24 or 32 bits, 1 to 18 channels. Exit codes: 0 done, 1 failure, 2 bad file "
     L"or\n"
@@ -57,6 +62,7 @@ Options parseOptions(int argc, const wchar_t* const* argv) {
     else if (argument == L"--out") options.outFolder = value();
     else if (argument == L"--size") options.sizePx = parseSize(value());
     else if (argument == L"--look") options.looks.push_back(knownLook(value()));
+    else if (argument == L"--pictures") options.pictures = readPictureList(value());
     else if (argument == L"--registered") options.registered = true;
     else if (argument == L"--help" || argument == L"-h") options.help = true;
     else throw Failure{L"unknown option " + argument + L"; --help lists them"};

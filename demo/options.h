@@ -1,5 +1,7 @@
 #pragma once
 
+#include "demo/picture_list.h"
+
 #include <windows.h>
 
 #include <filesystem>
@@ -11,8 +13,9 @@ namespace avdemo {
 
 struct Options {
   std::filesystem::path outFolder = L".";
-  std::optional<SIZE> sizePx;       ///< of the control; empty: a size that suits the display's DPI
-  std::vector<std::wstring> looks;  ///< names of the looks to draw; empty: all
+  std::optional<SIZE> sizePx;           ///< of the control; empty: a size that suits the display's DPI
+  std::vector<std::wstring> looks;      ///< names of the looks to draw; empty: all
+  std::vector<ListedPicture> pictures;  ///< not recordings are drawn but these; empty: recordings
   bool registered = false;  ///< create the control by its class identifier instead of loading the library beside us
   bool help = false;
   std::vector<std::filesystem::path> recordings;

@@ -282,6 +282,47 @@ TEST_F(Demo, ShowsTheTicksOfTheMeterHoldAndFallAfterTheSound) {
   EXPECT_LT(lit[3], lit[1]);
 }
 
+TEST_F(Demo, DrawsTheControlsAndPropertiesOfAList) {
+  const std::string list =
+      "# a comment\n\n"
+      "plain\tview\t300x160\n"
+      "grid\tview\t300x160\tGridColor=#FF0080\tScaleFont=Arial,9,700\n"
+      "bars\tmeter\t201x100\tframes=1024\tLineCount=20\tLineLowColor=#0080FF\n";
+  writeFile(folder / L"list.txt", {list.begin(), list.end()});
+  const Outcome outcome = runDemo(folder, L"--pictures list.txt --out drawn");
+  EXPECT_EQ(0u, outcome.exitCode) << outcome.errors;
+  EXPECT_EQ(3, picturesIn(folder / L"drawn"));
+  const auto picture = [&](const wchar_t* name) {
+    return loadPicture((folder / L"drawn" / name).wstring() + dpiSuffix() + L".png");
+  };
+  EXPECT_EQ(300u, picture(L"plain").width);
+  EXPECT_EQ(0, picture(L"plain").count(0xFF0080));
+  EXPECT_GT(picture(L"grid").count(0xFF0080), 200);
+  EXPECT_GT(picture(L"plain").count(0xF08080), 100) << "the first channel's curve";
+  EXPECT_EQ(201u, picture(L"bars").width);
+  EXPECT_EQ(100u, picture(L"bars").height);
+  EXPECT_GT(picture(L"bars").count(0x0080FF), 100) << "lit segments";
+}
+
+TEST_F(Demo, RefusesListsAndPropertiesThatMakeNoSense) {
+  const std::pair<const char*, DWORD> cases[] = {{"", 2},
+                                                 {"name\tview\n", 2},
+                                                 {"name\tclock\t300x160\n", 2},
+                                                 {"name\tview\tlarge\n", 2},
+                                                 {"name\tview\t300x160\tframes=0\n", 2},
+                                                 {"name\tview\t300x160\tNoSuchProperty=1\n", 1},
+                                                 {"name\tanalyser\t300x160\tMidPoint=101\n", 1}};
+  for (const auto& [list, exitCode] : cases) {
+    const std::string text = list;
+    writeFile(folder / L"list.txt", {text.begin(), text.end()});
+    const Outcome outcome = runDemo(folder, L"--pictures list.txt");
+    EXPECT_EQ(exitCode, outcome.exitCode) << text;
+    EXPECT_EQ(1, linesIn(outcome.errors)) << outcome.errors;
+  }
+  EXPECT_EQ(2u, runDemo(folder, L"--pictures missing.txt").exitCode);
+  EXPECT_EQ(0, picturesIn(folder));
+}
+
 TEST_F(Demo, GoesOnAfterABadFile) {
   writeFile(folder / L"good.wav", sineFile(1, 8));
   const Outcome outcome = runDemo(folder, L"--size 200x120 --look waveform --look xy-7 missing.wav good.wav");
