@@ -3,13 +3,14 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo test test-full test-x86 build bench coverage lint format clean
+.PHONY: help demo docs test test-full test-x86 build bench coverage lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
 
 help:
 	@echo "make demo       pictures of the controls fed with a recording: build/demo/*.png"
+	@echo "make docs       the site of all pages, checked: build/docs/site"
 	@echo "make test       the quick tests: native, sanitizers, Windows 64-bit under Wine"
 	@echo "make test-full  all tests, the 32-bit ones too"
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
@@ -41,6 +42,10 @@ demo:
 	@tools/bootstrap.sh build demo
 	@tools/build x64 QELAudioVisualization4 avdemo
 	@tools/run-demo
+
+docs:
+	@tools/bootstrap.sh build test docs
+	@tools/run-docs
 
 bench:
 	@tools/bootstrap.sh build bench

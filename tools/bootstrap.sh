@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a job needs and this machine lacks:  tools/bootstrap.sh GROUP [GROUP ...]
-# Groups: build test test-full demo bench lint coverage x86. Nothing is asked of apt when nothing is missing.
+# Groups: build test test-full demo docs bench lint coverage x86. Nothing is asked of apt when nothing is missing.
 # As root, or with sudo at hand, it installs; otherwise it prints the one line to run and fails.
 set -u
 
@@ -12,6 +12,7 @@ packagesOf() {
     test) echo wine wine64 fonts-liberation googletest python3 ;;
     test-full) echo xvfb xdotool ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
+    docs) echo mkdocs mkdocs-material python3 python3-yaml python3-selenium chromium chromium-driver fonts-liberation ;;
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
