@@ -11,6 +11,8 @@
 //
 //   control->SendAudioData(avhost::packedAudio(buffer, bufferBytes).get());
 //
+// host/samples.h makes blocks from what is not such PCM yet: floating point, planar channels, packed 24 bits.
+//
 // The samples are not copied: they have to stay where they are until SendAudioData has returned, by which time the
 // control has released the object. Objects are reference counted, may be sent any number of times and to any number of
 // controls, and may be made, used and released on any thread. They carry the free-threaded marshaler, so that a control
@@ -152,6 +154,15 @@ class BufferObject : public Interface {
   // The interface hands out pointers to writable bytes; the controls only read them.
   BufferObject(const void* buffer, LONG bufferBytes, LONG dataBytes) noexcept
       : m_buffer(static_cast<BYTE*>(const_cast<void*>(buffer))), m_bufferBytes(bufferBytes), m_dataBytes(dataBytes) {}
+  /// Other bytes, all of them valid. Only while nobody else holds the object.
+  void pointTo(const void* buffer, LONG bytes) noexcept {
+    m_buffer = static_cast<BYTE*>(const_cast<void*>(buffer));
+    m_bufferBytes = m_dataBytes = bytes;
+  }
+  /// Whether somebody besides the one who asks, who holds a reference, holds the object too.
+  bool isShared() const noexcept {
+    return InterlockedCompareExchange(const_cast<volatile LONG*>(&m_references), 0, 0) > 1;
+  }
   virtual ~BufferObject() {
     if (m_marshaler != nullptr) static_cast<IUnknown*>(m_marshaler)->Release();
   }
@@ -175,7 +186,7 @@ class BufferObject : public Interface {
 };
 
 /// Samples in the caller's memory with a format beside them.
-class AudioFrameData final : public BufferObject<IAudioFrameData> {
+class AudioFrameData : public BufferObject<IAudioFrameData> {
  public:
   /// `format` is copied, with its extra bytes as far as 180 bytes reach; of plain PCM, whose size field is often left
   /// unset, the first 18 bytes only. `samples` is not copied.
@@ -183,15 +194,15 @@ class AudioFrameData final : public BufferObject<IAudioFrameData> {
       : BufferObject(samples, sampleBytes, sampleBytes) {
     const std::size_t extraBytes = format.wFormatTag == WAVE_FORMAT_PCM ? 0 : format.cbSize;
     m_formatBytes = static_cast<ULONG>((std::min)(headerBytes + extraBytes, sizeof m_format));
-    const WAVEFORMATEX* source = &format;
-#if defined(__GNUC__)
-    // The extra bytes follow the structure. A compiler that sees where `format` is declared would warn of a copy beyond
-    // its end, so it is made to forget.
-    __asm__("" : "+r"(source));
-#endif
-    std::memcpy(m_format, source, m_formatBytes);
+    std::memcpy(m_format, &format, headerBytes);
+    // The extra bytes follow the structure. A compiler that sees where `format` is declared would warn of a copy from
+    // beyond its end, so the pointer is one that it cannot follow.
+    const BYTE* const volatile extra = reinterpret_cast<const BYTE*>(&format) + headerBytes;
+    std::memcpy(m_format + headerBytes, extra, m_formatBytes - headerBytes);
     if (extraBytes == 0) std::memset(m_format + headerBytes - sizeof format.cbSize, 0, sizeof format.cbSize);
   }
+  AudioFrameData(const AudioFrameData&) = delete;
+  AudioFrameData& operator=(const AudioFrameData&) = delete;
 
   HRESULT STDMETHODCALLTYPE reserved13() override { return E_NOTIMPL; }
   HRESULT STDMETHODCALLTYPE reserved14() override { return E_NOTIMPL; }
@@ -225,11 +236,12 @@ class AudioFrameData final : public BufferObject<IAudioFrameData> {
     return S_OK;
   }
 
+ protected:
+  ~AudioFrameData() override = default;
+
  private:
   static constexpr std::size_t headerBytes = 18;
   static_assert(sizeof(WAVEFORMATEX) == headerBytes, "the header is packed");
-
-  ~AudioFrameData() override = default;
 
   BYTE m_format[180] = {};
   ULONG m_formatBytes;
