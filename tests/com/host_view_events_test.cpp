@@ -1,11 +1,14 @@
-// host/view_events.h on the finished DLL: the events as methods of a host's object.
+// host/view_events.h and host/view_event_handlers.h on the finished DLL: the events as methods of a host's object and as
+// functions.
 
+#include "host/view_event_handlers.h"
 #include "host/view_events.h"
 
 #include "host/view_test.h"
 
 #include <functional>
 #include <memory>
+#include <string>
 #include <vector>
 
 namespace av::test {
@@ -143,6 +146,83 @@ TEST_F(HostViewEvents, CallsThatAreNoEventAreRefused) {
   V_VT(&arguments[0]) = VT_I4;
   EXPECT_EQ(S_OK, call(3, DISPATCH_METHOD, 4)) << "nobody is behind it any more";
   EXPECT_EQ(1u, listener.heard.size());
+}
+
+class HostViewEventHandlers : public HostViewEvents {};
+
+TEST_F(HostViewEventHandlers, AreCalledWithTheirArgumentsInOrder) {
+  ASSERT_NO_FATAL_FAILURE(activate({400, 300}));
+  ASSERT_EQ(S_OK, m_view->put_ScaleXVisible(VARIANT_FALSE));
+  ASSERT_EQ(S_OK, m_view->put_ScaleYVisible(VARIANT_FALSE));
+  std::vector<Heard> heard;
+  avhost::ViewEventHandlers handlers;
+  handlers.onMouseMove([&](LONG x, LONG y, LONG xv, LONG yv) { heard.push_back({"move", {x, y, xv, yv}}); });
+  handlers.onMouseUp([&](LONG x, LONG y, LONG xv, LONG yv) { heard.push_back({"up", {x, y, xv, yv}}); });
+  ASSERT_EQ(S_OK, handlers.connect(m_view.Get()));
+  handlers.onMouseDown([&](LONG x, LONG y, LONG xv, LONG yv) { heard.push_back({"down", {x, y, xv, yv}}); });
+  handlers.onMouseClick([&](LONG x, LONG y) { heard.push_back({"click", {x, y}}); });
+  handlers.onMouseDblClick([&] { heard.push_back({"double click", {}}); });
+  send(WM_MOUSEMOVE, 100, 0);
+  send(WM_LBUTTONDOWN, 200, 150);
+  send(WM_LBUTTONUP, 300, 299);
+  send(WM_LBUTTONDBLCLK, 1, 2);
+  // The values are those of HostViewEvents.ArriveAsMethodsWithTheirArgumentsInOrder.
+  EXPECT_EQ((std::vector<Heard>{{"move", {100, 0, 256, 0}},
+                                {"down", {200, 150, 512, -89}},
+                                {"up", {300, 299, 768, 0}},
+                                {"click", {300, 299}},
+                                {"double click", {}}}),
+            heard);
+  handlers.disconnect();
+  send(WM_LBUTTONDOWN, 200, 150);
+  EXPECT_EQ(5u, heard.size());
+}
+
+TEST_F(HostViewEventHandlers, MayBeEmptyAndTakenAway) {
+  ASSERT_NO_FATAL_FAILURE(activate({400, 300}));
+  avhost::ViewEventHandlers handlers;
+  ASSERT_EQ(S_OK, handlers.connect(m_view.Get()));
+  int clicks = 0;
+  handlers.onMouseClick([&](LONG, LONG) { ++clicks; });
+  send(WM_MOUSEMOVE, 10, 10);
+  send(WM_LBUTTONUP, 10, 10);
+  handlers.onMouseClick(nullptr);
+  send(WM_LBUTTONUP, 10, 10);
+  EXPECT_EQ(1, clicks);
+}
+
+TEST_F(HostViewEventHandlers, MayGoInsideAFunctionWhoseCapturesStayUntilItReturns) {
+  ASSERT_NO_FATAL_FAILURE(activate({400, 300}));
+  auto handlers = std::make_unique<avhost::ViewEventHandlers>();
+  ASSERT_EQ(S_OK, handlers->connect(m_view.Get()));
+  const auto token = std::make_shared<int>(7);
+  int seen = 0;
+  handlers->onMouseUp([&, token](LONG, LONG, LONG, LONG) {
+    handlers.reset();
+    EXPECT_EQ(2, token.use_count()) << "the running function still has its own";
+    seen = *token;
+  });
+  send(WM_LBUTTONUP, 10, 20);
+  EXPECT_EQ(7, seen);
+  EXPECT_EQ(1, token.use_count());
+  send(WM_LBUTTONUP, 10, 20);
+}
+
+TEST_F(HostViewEventHandlers, MayBeReplacedByTheFunctionThatRuns) {
+  ASSERT_NO_FATAL_FAILURE(activate({400, 300}));
+  avhost::ViewEventHandlers handlers;
+  ASSERT_EQ(S_OK, handlers.connect(m_view.Get()));
+  const auto token = std::make_shared<std::string>("first");
+  std::string heard;
+  handlers.onMouseUp([&, token](LONG, LONG, LONG, LONG) {
+    handlers.onMouseUp([&](LONG, LONG, LONG, LONG) { heard += ", second"; });
+    EXPECT_EQ(2, token.use_count());
+    heard += *token;
+  });
+  send(WM_LBUTTONUP, 10, 20);
+  EXPECT_EQ(1, token.use_count());
+  send(WM_LBUTTONUP, 10, 20);
+  EXPECT_EQ("first, second", heard);
 }
 
 }  // namespace
