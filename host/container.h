@@ -2,14 +2,12 @@
 
 // A plain container: one window that hosts one control. For hosts; Windows headers only.
 //
-//   avhost::Apartment apartment;
-//   avhost::ControlLibrary library;
-//   library.loadBesideProgram(L"QELAudioVisualization4.dll");
+//   avhost::Controls controls;
+//   controls.open();
 //   Microsoft::WRL::ComPtr<IAudioVisualization4Type1> view;
-//   library.create(__uuidof(CAudioVisualization4Type1), view.GetAddressOf());
+//   controls.create(__uuidof(CAudioVisualization4Type1), view.GetAddressOf());
 //   avhost::Container container;
-//   container.open({.title = L"View", .clientSizePx = {640, 360}});
-//   container.host(view.Get());
+//   container.show(view.Get(), {.title = L"View", .clientSizePx = {640, 360}});
 //   ...                      // push audio, run the message loop
 //   container.close();
 
@@ -100,6 +98,15 @@ class Container {
     m_object = object;
     result = site(verb);
     if (FAILED(result)) releaseControl();
+    return result;
+  }
+
+  /// Opens the window and hosts the control in it, in-place active; a failure leaves no window.
+  HRESULT show(IUnknown* control, const Window& description) noexcept {
+    HRESULT result = open(description);
+    if (FAILED(result)) return result;
+    result = host(control);
+    if (FAILED(result)) close();
     return result;
   }
 

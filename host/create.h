@@ -21,9 +21,24 @@ HRESULT createRegistered(REFCLSID classId, Interface** object) noexcept {
                           reinterpret_cast<void**>(object));
 }
 
+/// Writes the full path of a file in `folder` (null: that of the running program) to `path`. Fails with the system's
+/// error, ERROR_FILENAME_EXCED_RANGE when it does not fit.
+template <DWORD size>
+HRESULT filePath(const wchar_t* folder, const wchar_t* fileName, wchar_t (&path)[size]) noexcept {
+  const auto isSeparator = [](wchar_t character) { return character == L'\\' || character == L'/'; };
+  DWORD length = folder ? GetFullPathNameW(folder, size, path, nullptr) : GetModuleFileNameW(nullptr, path, size);
+  if (length == 0) return HRESULT_FROM_WIN32(GetLastError());
+  if (length >= size) return HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
+  while (!folder && length > 1 && !isSeparator(path[length - 1])) --length;  // the program's own name
+  if (!isSeparator(path[length - 1])) path[length++] = L'\\';
+  if (length + static_cast<DWORD>(lstrlenW(fileName)) >= size) return HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
+  lstrcpyW(path + length, fileName);
+  return S_OK;
+}
+
 /// A side-by-side manifest that names the library's classes: while it is active, CoCreateInstance finds them without
-/// the registry. Keep the object for as long as controls created through it live: their timers marshal an interface
-/// whose proxy the manifest also describes.
+/// the registry. Their timers tick whether it stays open or not, since the library carries a manifest of its own for
+/// that; a host that marshals a control's interface itself needs it active while it does.
 class ActivationContext {
  public:
   ActivationContext() = default;
@@ -129,15 +144,8 @@ class ControlLibrary {
   /// As load, with a file name in the folder of the running program.
   HRESULT loadBesideProgram(const wchar_t* fileName) noexcept {
     wchar_t path[1024];
-    const DWORD length = GetModuleFileNameW(nullptr, path, ARRAYSIZE(path));
-    if (length == 0) return HRESULT_FROM_WIN32(GetLastError());
-    DWORD folder = length;
-    while (folder > 0 && path[folder - 1] != L'\\' && path[folder - 1] != L'/') --folder;
-    const size_t nameLength = static_cast<size_t>(lstrlenW(fileName));
-    if (length == ARRAYSIZE(path) || folder + nameLength >= ARRAYSIZE(path))
-      return HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
-    lstrcpyW(path + folder, fileName);
-    return load(path);
+    const HRESULT result = filePath(nullptr, fileName, path);
+    return FAILED(result) ? result : load(path);
   }
 
   /// Creates a control in this thread's apartment; `*object` is null on failure.  // [control thread]

@@ -284,6 +284,24 @@ TEST_F(ContainerTest, UndoesAHostingThatFails) {
   EXPECT_EQ(S_OK, container.host(unknownOf(control))) << "the container can be used again";
 }
 
+TEST_F(ContainerTest, ShowsAControlInAWindowOfItsOwnInOneCall) {
+  avhost::Container another;
+  ASSERT_EQ(S_OK, another.show(unknownOf(control), {.clientSizePx = {100, 50}}));
+  EXPECT_THAT(control.calls, ElementsAre("SetClientSite", "InitNew", "Advise", "SetAdvise", "SetExtent", "DoVerb -5"));
+  EXPECT_EQ(100, control.positionPx.right);
+  EXPECT_EQ(E_UNEXPECTED, another.show(unknownOf(control), {}));
+  EXPECT_NE(nullptr, another.window()) << "the first control stays";
+}
+
+TEST_F(ContainerTest, LeavesNoWindowOfAControlThatCannotBeShown) {
+  control.verbResult = E_FAIL;
+  avhost::Container another;
+  EXPECT_EQ(E_FAIL, another.show(unknownOf(control), {}));
+  EXPECT_EQ(nullptr, another.window());
+  EXPECT_EQ(E_POINTER, another.show(nullptr, {}));
+  EXPECT_EQ(nullptr, another.window());
+}
+
 TEST_F(ContainerTest, StopsWhenInitialisationFails) {
   control.initResult = E_OUTOFMEMORY;
   EXPECT_EQ(E_OUTOFMEMORY, container.host(unknownOf(control)));

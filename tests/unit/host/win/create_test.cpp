@@ -7,6 +7,8 @@
 #include <olectl.h>
 #include <wrl/client.h>
 
+#include <string>
+
 namespace {
 
 using Microsoft::WRL::ComPtr;
@@ -56,6 +58,39 @@ TEST(ActivationContext, RefusesAMissingManifest) {
   EXPECT_FALSE(context.isOpen());
   IUnknown* object = nullptr;
   EXPECT_EQ(E_UNEXPECTED, context.create(CLSID_StdFont, &object));
+}
+
+TEST(FilePath, JoinsFolderAndName) {
+  wchar_t path[40];
+  ASSERT_EQ(S_OK, avhost::filePath(L"C:\\some folder", L"a.dll", path));
+  EXPECT_STREQ(L"C:\\some folder\\a.dll", path);
+  ASSERT_EQ(S_OK, avhost::filePath(L"C:\\", L"a.dll", path));
+  EXPECT_STREQ(L"C:\\a.dll", path);
+  ASSERT_EQ(S_OK, avhost::filePath(L"C:\\x\\..\\y/", L"a.dll", path));
+  EXPECT_STREQ(L"C:\\y\\a.dll", path);
+}
+
+TEST(FilePath, IsInTheProgramsFolderUnlessAnotherIsGiven) {
+  wchar_t path[1024], program[1024];
+  GetModuleFileNameW(nullptr, program, ARRAYSIZE(program));
+  const std::wstring whole = program;
+  const std::size_t name = whole.find_last_of(L'\\') + 1;
+  ASSERT_EQ(S_OK, avhost::filePath(nullptr, whole.c_str() + name, path));
+  EXPECT_EQ(whole, path);
+}
+
+TEST(FilePath, EndsWhereItsRoomEnds) {
+  constexpr HRESULT tooLong = HRESULT_FROM_WIN32(ERROR_FILENAME_EXCED_RANGE);
+  wchar_t path[8];
+  EXPECT_EQ(S_OK, avhost::filePath(L"C:\\", L"1234", path));
+  EXPECT_STREQ(L"C:\\1234", path);
+  EXPECT_EQ(tooLong, avhost::filePath(L"C:\\", L"12345", path));
+  EXPECT_EQ(S_OK, avhost::filePath(L"C:\\ab", L"1", path));
+  EXPECT_EQ(tooLong, avhost::filePath(L"C:\\ab", L"12", path));
+  EXPECT_EQ(tooLong, avhost::filePath(L"C:\\abcd", L"", path)) << "no room for the separator's zero";
+  EXPECT_EQ(tooLong, avhost::filePath(L"C:\\abcdefgh", L"", path));
+  EXPECT_EQ(tooLong, avhost::filePath(nullptr, L"a.dll", path));
+  EXPECT_TRUE(FAILED(avhost::filePath(L"", L"a.dll", path)));
 }
 
 TEST(CreateRegistered, NullsTheResultOnFailure) {
