@@ -18,23 +18,27 @@ void mix(const std::uint8_t* samples, std::size_t channelCount, std::span<double
   }
 }
 
-// Mono and stereo have a loop of their own: with the channel count known, the compiler turns it into vector code.
-template <class Reader>
-void mixChannels(const std::uint8_t* samples, std::size_t channelCount, std::span<double> mono) noexcept {
+/// Mono and stereo, which nearly all blocks are. Returns the frames that are done.
+std::size_t mixInVectors(const SampleLoops& loops, const std::uint8_t* samples, std::size_t channelCount,
+                         std::span<double> mono) noexcept {
   switch (channelCount) {
-    case 1: mix<Reader>(samples, 1, mono); break;
-    case 2: mix<Reader>(samples, 2, mono); break;
-    default: mix<Reader>(samples, channelCount, mono); break;
+    case 1: return loops.read(samples, mono.size(), mono.data());
+    case 2: return loops.mix(samples, mono.size(), mono.data());
+    default: return 0;
   }
 }
 
 }  // namespace
 
-bool mixToMono(const AudioBlock& block, EightBitRule eightBitRule, std::span<double> mono) noexcept {
+bool mixToMono(const AudioBlock& block, EightBitRule eightBitRule, std::span<double> mono,
+               const SampleKernel& kernel) noexcept {
   const std::int32_t held = std::max(frameCount(block.format, block.sampleBytes).value_or(0), 0);
   const auto wanted = mono.first(std::min(mono.size(), static_cast<std::size_t>(held)));
+  const std::size_t channelCount = block.format.nChannels;
   return withSampleReader(block.format.wBitsPerSample, eightBitRule, [&](auto reader) {
-    mixChannels<decltype(reader)>(block.samples, block.format.nChannels, wanted);
+    using Reader = decltype(reader);
+    const std::size_t done = mixInVectors(kernel[Reader::form], block.samples, channelCount, wanted);
+    mix<Reader>(block.samples + done * channelCount * Reader::bytes, channelCount, wanted.subspan(done));
   });
 }
 

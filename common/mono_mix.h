@@ -12,6 +12,7 @@ namespace av {
 ///
 /// Frames that the block does not hold are not read, and their elements are not written. Returns false, with nothing
 /// written, for a depth that is not decoded; see isDecodedDepth().
-bool mixToMono(const AudioBlock& block, EightBitRule eightBitRule, std::span<double> mono) noexcept;
+bool mixToMono(const AudioBlock& block, EightBitRule eightBitRule, std::span<double> mono,
+               const SampleKernel& kernel = *sampleKernels().front()) noexcept;
 
 }  // namespace av

@@ -17,6 +17,7 @@ namespace av {
 ///
 /// Returns false, with nothing written, for a depth that is not decoded; see isDecodedDepth().
 bool decodeChannels(const AudioBlock& block, std::size_t frames, EightBitRule eightBitRule,
-                    std::span<const std::span<double>> channels) noexcept;
+                    std::span<const std::span<double>> channels,
+                    const SampleKernel& kernel = *sampleKernels().front()) noexcept;
 
 }  // namespace av

@@ -1,12 +1,14 @@
 #pragma once
 
+#include "common/sample_kernel.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
 #include <utility>
 
 // One reader a stored form of a sample: `bytes` is its size in the block, `read(p)` its value on the sample's own
-// integer scale. Readers load byte-wise or through memcpy, so `p` needs no alignment, and they touch exactly `bytes`
+// integer scale, `form` the name of the kernels' loops over many of them. Readers load byte-wise or through memcpy, so `p` needs no alignment, and they touch exactly `bytes`
 // bytes. All machines of this library are little-endian, as the samples are.
 
 namespace av {
@@ -23,16 +25,19 @@ constexpr bool isDecodedDepth(int bitsPerSample) noexcept {
 }
 
 struct InvertedUnsigned8 {
+  static constexpr SampleForm form = SampleForm::invertedUnsigned8;
   static constexpr std::size_t bytes = 1;
   static double read(const std::uint8_t* p) noexcept { return 128 - *p; }
 };
 
 struct Signed8 {
+  static constexpr SampleForm form = SampleForm::signed8;
   static constexpr std::size_t bytes = 1;
   static double read(const std::uint8_t* p) noexcept { return static_cast<std::int8_t>(*p); }
 };
 
 struct Signed16 {
+  static constexpr SampleForm form = SampleForm::signed16;
   static constexpr std::size_t bytes = 2;
   static double read(const std::uint8_t* p) noexcept {
     std::int16_t value;
@@ -42,6 +47,7 @@ struct Signed16 {
 };
 
 struct Signed24 {
+  static constexpr SampleForm form = SampleForm::signed24;
   static constexpr std::size_t bytes = 3;
   static double read(const std::uint8_t* p) noexcept {
     // The three bytes go to the top of a word, so that its sign is bit 23's; the shift back keeps it.
@@ -51,6 +57,7 @@ struct Signed24 {
 };
 
 struct Signed32 {
+  static constexpr SampleForm form = SampleForm::signed32;
   static constexpr std::size_t bytes = 4;
   static double read(const std::uint8_t* p) noexcept {
     std::int32_t value;
