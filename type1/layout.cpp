@@ -1,6 +1,7 @@
 #include "type1/layout.h"
 
 #include "gfx/saturate.h"
+#include "gfx/text_measure.h"
 
 #include <algorithm>
 
@@ -55,7 +56,7 @@ ViewLayout computeLayout(const ViewSettings& settings, std::uint32_t sampleRateH
   ViewLayout layout;
   layout.client = client;
   if (client.width() < 2 || client.height() < 2) return layout;
-  layout.textHeightPx = std::max(textHeightPx, 0);
+  layout.textHeightPx = std::clamp(textHeightPx, 0, largestTextPx);
 
   const int topLabel = truncToInt(settings.scaleYMax * settings.dynamicRangeDb / 100);
   const int bottomLabel = truncToInt(settings.scaleYMin * settings.dynamicRangeDb / 100);

@@ -10,7 +10,7 @@ namespace av::type1 {
 /// How the view divides its client rectangle: the plot at the top left, the scale strips below and right of it.
 struct ViewLayout {
   Rect client;
-  int textHeightPx = 0;    ///< height of the scale font; 0 when there is no font
+  int textHeightPx = 0;    ///< height of the scale font, at most largestTextPx; 0 when there is no font
   int yScaleWidthPx = 0;   ///< 0: hidden, or no room for it
   int xScaleHeightPx = 0;  ///< 0: hidden, or no room for it
   int plotLeft = 0;

@@ -31,7 +31,7 @@ AnalyserLayout computeLayout(const AnalyserSettings& settings, Size size, int te
                              const TextMeasure& measure) {
   AnalyserLayout layout;
   layout.size = {std::max(size.widthPx, 0), std::max(size.heightPx, 0)};
-  layout.textHeightPx = std::max(textHeightPx, 0);
+  layout.textHeightPx = std::clamp(textHeightPx, 0, largestTextPx);
   if (layout.textHeightPx > 0) {
     if (isTrue(settings.scaleXVisible)) layout.xStripHeightPx = layout.textHeightPx + 2 * marginPx;
     if (isTrue(settings.scaleYVisible)) layout.yStripWidthPx = levelTextWidth(settings, measure) + 2 * marginPx;

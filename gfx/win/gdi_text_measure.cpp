@@ -2,13 +2,15 @@
 
 #include "gfx/win/ascii_text.h"
 
+#include <algorithm>
+
 namespace av {
 
 Size GdiTextMeasure::measure(std::string_view text) const {
   const AsciiText wide(text);
   SIZE extent{};
   if (!GetTextExtentPoint32W(m_dc, wide.data(), wide.length(), &extent)) return {};
-  return {extent.cx, extent.cy};
+  return {std::min<int>(extent.cx, largestTextPx), std::min<int>(extent.cy, largestTextPx)};
 }
 
 int GdiTextMeasure::lineHeightPx() const noexcept {

@@ -1,7 +1,9 @@
 #include "gfx/win/gdiplus_text_measure.h"
 
+#include "gfx/saturate.h"
 #include "gfx/win/ascii_text.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace av {
@@ -32,7 +34,8 @@ Size GdiplusTextMeasure::measure(std::string_view text) const {
                         nullptr) != Ok) {
     return {};
   }
-  const Size size{static_cast<int>(std::ceil(box.Width)), static_cast<int>(std::ceil(box.Height))};
+  const auto whole = [](REAL length) { return std::min(truncToInt(std::ceil(double{length})), largestTextPx); };
+  const Size size{whole(box.Width), whole(box.Height)};
   // Scales that follow the signal's dynamic range would otherwise collect texts for ever.
   if (m_known.size() >= 512) m_known.clear();
   m_known.emplace(text, size);

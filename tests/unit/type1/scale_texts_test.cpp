@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <set>
 #include <string>
 #include <vector>
@@ -148,6 +149,19 @@ TEST(ScaleTexts, HoldInALayoutOfAnotherDepthAndRate) {
         }
       }
     }
+  }
+}
+
+TEST(ScaleTexts, OfAFontLargerThanAnyScreenAreNone) {
+  struct LargestFont final : TextMeasure {
+    Size measure(std::string_view) const override { return {largestTextPx, largestTextPx}; }
+  };
+  for (const int textHeight : {largestTextPx, std::numeric_limits<int>::max() - 10, std::numeric_limits<int>::max()}) {
+    const ViewSettings settings;
+    const ViewLayout layout = computeLayout(settings, 44100, {0, 0, 32767, 32767}, textHeight);
+    std::vector<TextRun> texts;
+    addScaleTexts(texts, settings, 44100, layout, LargestFont());
+    EXPECT_TRUE(texts.empty()) << textHeight;
   }
 }
 

@@ -22,6 +22,17 @@ TEST(AnalyserLayout, GivesEachScaleAStripAsWideAsItsTextsNeed) {
   EXPECT_EQ(layout.textHeightPx, 10);
 }
 
+TEST(AnalyserLayout, HasNoScalesInAFontLargerThanAnyScreen) {
+  struct LargestFont final : TextMeasure {
+    Size measure(std::string_view) const override { return {largestTextPx, largestTextPx}; }
+  };
+  for (const int textHeight : {largestTextPx, huge - 5, huge}) {
+    const AnalyserLayout layout = computeLayout({}, {32767, 32767}, textHeight, LargestFont());
+    EXPECT_EQ(layout.areaWidthPx, 32767) << textHeight;
+    EXPECT_EQ(layout.areaHeightPx, 32767) << textHeight;
+  }
+}
+
 TEST(AnalyserLayout, HasTheWholeControlForColumnsWithoutScales) {
   const test::MadeUpFont font(10);
   AnalyserSettings settings;
