@@ -3,7 +3,7 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo docs test test-full test-x86 build bench coverage lint format clean
+.PHONY: help demo docs test test-full test-x86 build bench fuzz coverage lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
@@ -16,6 +16,7 @@ help:
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
 	@echo "make build      the 64-bit and the 32-bit library: build/x64/bin, build/x86/bin"
 	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
+	@echo "make fuzz       every fuzzer for FUZZ_SECONDS (60), or for FUZZ_RUNS inputs: a table"
 	@echo "make coverage   line and branch coverage of the portable core"
 	@echo "make lint       formatting, clang-tidy, shell scripts, include arrows"
 	@echo "make format     formats the sources"
@@ -51,6 +52,11 @@ bench:
 	@tools/bootstrap.sh build bench
 	@tools/build bench core_bench
 	@tools/bench --write
+
+fuzz:
+	@tools/bootstrap.sh fuzz
+	@tools/build fuzz
+	@tools/fuzz
 
 coverage:
 	@tools/bootstrap.sh coverage

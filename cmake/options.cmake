@@ -11,6 +11,12 @@ if(AV_SANITIZE)
   target_compile_options(av_options INTERFACE -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(av_options INTERFACE -fsanitize=address,undefined)
 endif()
+if(AV_FUZZ)
+  # What assert() and the library's own assertions say is checked too.
+  target_compile_options(av_options INTERFACE -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize-recover=all
+                         -fno-omit-frame-pointer -UNDEBUG -D_GLIBCXX_ASSERTIONS)
+  target_link_options(av_options INTERFACE -fsanitize=address,undefined)
+endif()
 if(AV_COVERAGE)
   # Unoptimised, so that each line and branch of the source is one of the program.
   target_compile_options(av_options INTERFACE --coverage -O0 -g)

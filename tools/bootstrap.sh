@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a job needs and this machine lacks:  tools/bootstrap.sh GROUP [GROUP ...]
-# Groups: build test test-full demo docs bench lint coverage x86. Nothing is asked of apt when nothing is missing.
+# Groups: build test test-full demo docs bench fuzz lint coverage x86. Nothing is asked of apt when nothing is missing.
 # As root, or with sudo at hand, it installs; otherwise it prints the one line to run and fails.
 set -u
 
@@ -9,11 +9,13 @@ packagesOf() {
     # wine64 also carries stdole2.tlb, which the type library refers to.
     build) echo cmake ninja-build g++ g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools \
                 googletest python3 wine wine64 ;;
-    test) echo wine wine64 fonts-liberation googletest python3 ;;
+    # libclang-common-14-dev has the header that the replayed inputs of the fuzzers are read with.
+    test) echo wine wine64 fonts-liberation googletest python3 libclang-common-14-dev ;;
     test-full) echo xvfb xdotool ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
     docs) echo mkdocs mkdocs-material python3 python3-yaml python3-selenium chromium chromium-driver fonts-liberation ;;
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
+    fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
     x86) echo debootstrap ;;
