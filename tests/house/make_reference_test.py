@@ -80,6 +80,14 @@ class Pages(unittest.TestCase):
                          ["docs/reference/old.md is stale", "docs/reference/new.md is stale",
                           "docs/images/reference/left.png is shown nowhere", "docs/images/reference/lost.png is missing"])
 
+    def test_pictures_of_a_property_that_show_the_same_are_told(self):
+        with tempfile.TemporaryDirectory() as folder:
+            images = pathlib.Path(folder)
+            for name, content in {"a-1": "x", "a-2": "y", "b-1": "x", "b-2": "x", "b-3": "y"}.items():
+                (images / f"{name}.png").write_text(content)
+            found = list(reference.alike([["a-1.png", "a-2.png"], ["b-1.png", "b-2.png", "b-3.png"], []], images))
+        self.assertEqual(found, ["docs/images/reference: of b-1.png, b-2.png, b-3.png some are the same"])
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -42,6 +42,10 @@ class Reference:
         made["events.md"] = pages.events_page(events, self.prose["events"])
         return made
 
+    def picture_groups(self):
+        """The names of the pictures, a list for each property."""
+        return [pages.picture_files(data, name) for data in self.controls for name in data["properties"]]
+
     def pictures(self):
         """The pictures that the pages show: file name and the line of the demo's list that draws it."""
         drawn = {}
@@ -63,3 +67,11 @@ def stale(made, pictures, reference=REFERENCE, images=IMAGES):
     for name in sorted(there ^ set(pictures)):
         yield f"docs/images/reference/{name} is {'shown nowhere' if name in there else 'missing'}: " \
               "run tools/make-reference --pictures"
+
+
+def alike(pictures, images=IMAGES):
+    """Complaints about pictures of a property that show the same: then it changes nothing that can be seen."""
+    for files in pictures:
+        contents = [(images / name).read_bytes() for name in files if (images / name).is_file()]
+        if len(set(contents)) < len(contents):
+            yield f"docs/images/reference: of {', '.join(files)} some are the same"
