@@ -22,6 +22,7 @@ ARROWS = {
     # For hosts: no source of a control.
     "host": ["generated"],
     "demo": ["host", "generated"],
+    "samples": ["host", "generated"],
     "companion": ["host", "ole", "generated"],
 }
 for control in ("type1", "type2", "type3"):
