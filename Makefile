@@ -3,13 +3,15 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo docs test test-full test-x86 build bench fuzz coverage lint format clean
+.PHONY: help demo player player-picture docs test test-full test-x86 build bench fuzz coverage lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
 
 help:
 	@echo "make demo       pictures of the controls fed with a recording: build/demo/*.png"
+	@echo "make player     opens the player: the three controls, their properties, presets, sound"
+	@echo "make player-picture   pictures of the player's window: build/player/*.png"
 	@echo "make docs       the site of all pages, checked: build/docs/site"
 	@echo "make test       the quick tests: native, sanitizers, Windows 64-bit under Wine"
 	@echo "make test-full  all tests, the 32-bit ones too"
@@ -47,6 +49,16 @@ demo:
 docs:
 	@tools/bootstrap.sh build test docs
 	@tools/run-docs
+
+player:
+	@tools/bootstrap.sh build player
+	@tools/build x64 QELAudioVisualization4 avplayer
+	@tools/run-player $(WAV)
+
+player-picture:
+	@tools/bootstrap.sh build player player-picture
+	@tools/build x64 QELAudioVisualization4 avplayer
+	@tools/player-picture
 
 bench:
 	@tools/bootstrap.sh build bench

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a job needs and this machine lacks:  tools/bootstrap.sh GROUP [GROUP ...]
-# Groups: build test test-full demo docs bench fuzz lint coverage x86. Nothing is asked of apt when nothing is missing.
+# Groups: build test test-full demo player player-picture docs bench fuzz lint coverage x86. Nothing is asked of apt when
+# nothing is missing.
 # As root, or with sudo at hand, it installs; otherwise it prints the one line to run and fails.
 set -u
 
@@ -14,6 +15,8 @@ packagesOf() {
     test-full) echo xvfb xdotool ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
     docs) echo mkdocs mkdocs-material python3 python3-yaml python3-selenium chromium chromium-driver fonts-liberation ;;
+    player) echo wine wine64 fonts-liberation ;;
+    player-picture) echo xvfb ;;
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
     fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
@@ -29,7 +32,7 @@ for group in "$@"; do
   # shellcheck disable=SC2206  # one word a package
   wanted+=($packages)
 done
-[ ${#wanted[@]} -gt 0 ] || { sed -n '2,4s/^# //p' "${BASH_SOURCE[0]}" >&2; exit 2; }
+[ ${#wanted[@]} -gt 0 ] || { sed -n '2,5s/^# //p' "${BASH_SOURCE[0]}" >&2; exit 2; }
 
 if ! command -v dpkg-query >/dev/null || ! command -v apt-get >/dev/null; then
   echo "bootstrap: this is no Debian system; please install the equivalents of: ${wanted[*]}" >&2

@@ -23,13 +23,15 @@ ARROWS = {
     "host": ["generated"],
     "demo": ["host", "generated"],
     "samples": ["host", "generated"],
+    "player": [],
+    "player/win": ["player", "demo", "host", "generated"],
     "companion": ["host", "ole", "generated"],
 }
 for control in ("type1", "type2", "type3"):
     ARROWS[control] = ["dsp", "gfx", "common"]
     ARROWS[control + "/win"] = [control, "common", "common/win", "gfx", "gfx/win", "ole", "generated"]
 
-PORTABLE = {"simd", "dsp", "gfx", "common", "type1", "type2", "type3"}
+PORTABLE = {"simd", "dsp", "gfx", "common", "type1", "type2", "type3", "player"}
 
 # What the portable core may include in angle brackets: the C++20 library, and the compiler's intrinsics for kernels
 # that are chosen at run time. In particular no <windows.h>.

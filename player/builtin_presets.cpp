@@ -1,0 +1,271 @@
+#include "player/builtin_presets.h"
+
+namespace avplayer {
+
+namespace {
+
+constexpr std::string_view text = R"(
+[Midnight]
+View.VisualizationType = 2
+View.FFTWindowSize = 2048
+View.FFTWindowType = 3
+View.FFTViewType = 2
+View.BackColor = #0D1117
+View.ScaleColor = #161B22
+View.GridColor = #303843
+View.TextColor = #ADB8C5
+View.BorderColor = #303842
+View.BorderType = 1
+View.ScaleFont = Arial, 7 pt
+View.LineColor(1) = #58A6FF
+View.LineColor(2) = #FFA657
+View.LineColor(3) = #7EE787
+View.LineColor(4) = #D2A8FF
+Meter.LineType = 1
+Meter.FFTViewType = 1
+Meter.BackColor = #0D1117
+Meter.BorderColor = #303842
+Meter.BorderType = 1
+Meter.BorderWidth = 8
+Meter.LineInterval = 3
+Meter.LineCount = 30
+Meter.SpotHeight = 3
+Meter.SpotInterval = 2
+Meter.MidPoint = 45
+Meter.HighPoint = 70
+Meter.TickDelayTime = 500
+Meter.TickReleaseTime = 20
+Meter.LineLowColor = #388BFD
+Meter.LineMidColor = #A371F7
+Meter.LineHighColor = #F778BA
+Meter.BackLineLowColor = #161F2E
+Meter.BackLineMidColor = #1E1B2E
+Meter.BackLineHighColor = #2A1B26
+Analyser.FFTLength = 8192
+Analyser.XScaleType = 1
+Analyser.FFTWindowType = 2
+Analyser.BackColor = #0D1117
+Analyser.ScaleColor = #7D8794
+Analyser.BorderColor = #303842
+Analyser.BorderType = 1
+Analyser.ScaleFont = Arial, 7 pt
+Analyser.TickColor = #E6EDF3
+Analyser.LineInterval = 3
+Analyser.LineCount = 28
+Analyser.SpotHeight = 3
+Analyser.SpotInterval = 2
+Analyser.LineLowColor = #388BFD
+Analyser.LineMidColor = #A371F7
+Analyser.LineHighColor = #F778BA
+Analyser.BackLineLowColor = #161F2E
+Analyser.BackLineMidColor = #1E1B2E
+Analyser.BackLineHighColor = #2A1B26
+
+[Paper]
+View.VisualizationType = 1
+View.BackColor = #FFFFFF
+View.ScaleColor = #F6F8FA
+View.GridColor = #D8DEE5
+View.TextColor = #525C69
+View.BorderColor = #C8D0D9
+View.BorderType = 1
+View.ScaleFont = Arial, 7 pt
+View.LineColor(1) = #0969DA
+View.LineColor(2) = #DB6109
+View.LineColor(3) = #1A7F37
+View.LineColor(4) = #8250DF
+Meter.LineType = 0
+Meter.FFTViewType = 1
+Meter.BackColor = #FFFFFF
+Meter.BorderColor = #C8D0D9
+Meter.BorderType = 1
+Meter.BorderWidth = 8
+Meter.LineInterval = 3
+Meter.LineCount = 30
+Meter.SpotHeight = 3
+Meter.SpotInterval = 2
+Meter.MidPoint = 45
+Meter.HighPoint = 70
+Meter.LineLowColor = #1A7F37
+Meter.LineMidColor = #D48C0A
+Meter.LineHighColor = #CF222E
+Meter.BackLineLowColor = #E9F3EC
+Meter.BackLineMidColor = #FAF2E2
+Meter.BackLineHighColor = #FCEAEC
+Analyser.FFTLength = 8192
+Analyser.XScaleType = 1
+Analyser.FFTWindowType = 2
+Analyser.BackColor = #FFFFFF
+Analyser.ScaleColor = #F6F8FA
+Analyser.BorderColor = #C8D0D9
+Analyser.BorderType = 1
+Analyser.ScaleFont = Arial, 7 pt
+Analyser.TickColor = #57606A
+Analyser.LineInterval = 3
+Analyser.LineCount = 28
+Analyser.SpotHeight = 3
+Analyser.SpotInterval = 2
+Analyser.LineLowColor = #1A7F37
+Analyser.LineMidColor = #D48C0A
+Analyser.LineHighColor = #CF222E
+Analyser.BackLineLowColor = #E9F3EC
+Analyser.BackLineMidColor = #FAF2E2
+Analyser.BackLineHighColor = #FCEAEC
+
+[Amber]
+View.VisualizationType = 1
+View.BackColor = #120B02
+View.ScaleColor = #1E1405
+View.GridColor = #3D2A0C
+View.TextColor = #D99A2B
+View.BorderColor = #4A3310
+View.BorderType = 1
+View.ScaleFont = Arial, 7 pt
+View.LineColor(1) = #FFB547
+View.LineColor(2) = #C97A12
+Meter.LineType = 3
+Meter.FFTViewType = 1
+Meter.BackColor = #120B02
+Meter.BorderColor = #4A3310
+Meter.BorderType = 1
+Meter.BorderWidth = 8
+Meter.LineInterval = 2
+Meter.LineCount = 36
+Meter.SpotHeight = 4
+Meter.SpotInterval = 2
+Meter.LineLowColor = #A8640C
+Meter.LineMidColor = #FFB547
+Meter.LineHighColor = #FFE2AE
+Meter.BackLineLowColor = #1F1405
+Meter.BackLineMidColor = #241806
+Meter.BackLineHighColor = #2B1D08
+Analyser.FFTLength = 8192
+Analyser.XScaleType = 1
+Analyser.FFTWindowType = 5
+Analyser.ViewType = 1
+Analyser.BackColor = #120B02
+Analyser.ScaleColor = #9C6A1A
+Analyser.BorderColor = #4A3310
+Analyser.BorderType = 1
+Analyser.ScaleFont = Arial, 7 pt
+Analyser.TickColor = #FFE2AE
+Analyser.LineInterval = 2
+Analyser.LineCount = 36
+Analyser.SpotHeight = 4
+Analyser.SpotInterval = 2
+Analyser.LineLowColor = #A8640C
+Analyser.LineMidColor = #FFB547
+Analyser.LineHighColor = #FFE2AE
+Analyser.BackLineLowColor = #1F1405
+Analyser.BackLineMidColor = #241806
+Analyser.BackLineHighColor = #2B1D08
+
+[Mirror]
+View.VisualizationType = 4
+View.FFTWindowSize = 4096
+View.FFTWindowType = 3
+View.FFTViewType = 2
+View.BackColor = #0B1020
+View.ScaleColor = #131A2E
+View.GridColor = #26304D
+View.TextColor = #A9B6D6
+View.BorderColor = #26304D
+View.BorderType = 1
+View.ScaleFont = Arial, 7 pt
+Meter.LineType = 1
+Meter.FFTViewType = 1
+Meter.AlignmentX = 1
+Meter.AlignmentY = 1
+Meter.BackColor = #0B1020
+Meter.BorderColor = #26304D
+Meter.BorderType = 1
+Meter.BorderWidth = 8
+Meter.LineInterval = 2
+Meter.LineCount = 40
+Meter.SpotHeight = 3
+Meter.SpotInterval = 2
+Meter.MidPoint = 75
+Meter.HighPoint = 88
+Meter.LineLowColor = #2DD4BF
+Meter.LineMidColor = #22D3EE
+Meter.LineHighColor = #A78BFA
+Meter.BackLineLowColor = #112533
+Meter.BackLineMidColor = #10243A
+Meter.BackLineHighColor = #1C1F3D
+Analyser.FFTLength = 8192
+Analyser.XScaleType = 1
+Analyser.FFTWindowType = 2
+Analyser.ViewType = 1
+Analyser.AlignmentX = 1
+Analyser.AlignmentY = 1
+Analyser.BackColor = #0B1020
+Analyser.ScaleColor = #7F8DB3
+Analyser.BorderColor = #26304D
+Analyser.BorderType = 1
+Analyser.ScaleFont = Arial, 7 pt
+Analyser.TickColor = #E0E7FF
+Analyser.LineInterval = 2
+Analyser.LineCount = 40
+Analyser.SpotHeight = 3
+Analyser.SpotInterval = 2
+Analyser.LineLowColor = #2DD4BF
+Analyser.LineMidColor = #22D3EE
+Analyser.LineHighColor = #A78BFA
+Analyser.BackLineLowColor = #112533
+Analyser.BackLineMidColor = #10243A
+Analyser.BackLineHighColor = #1C1F3D
+
+[Lines]
+View.VisualizationType = 1
+View.BackColor = #07130C
+View.ScaleColor = #0C1F14
+View.GridColor = #1B3A28
+View.TextColor = #8FBC9F
+View.BorderColor = #1B3A28
+View.BorderType = 1
+View.ScaleFont = Arial, 7 pt
+View.LineColor(1) = #4ADE80
+View.LineColor(2) = #FACC15
+Meter.LineType = 5
+Meter.FFTViewType = 1
+Meter.BackColor = #07130C
+Meter.BorderColor = #1B3A28
+Meter.BorderType = 1
+Meter.BorderWidth = 8
+Meter.LineInterval = 3
+Meter.LineCount = 30
+Meter.SpotHeight = 2
+Meter.LineLowColor = #4ADE80
+Meter.LineMidColor = #A3E635
+Meter.LineHighColor = #FACC15
+Analyser.FFTLength = 8192
+Analyser.XScaleType = 1
+Analyser.FFTWindowType = 6
+Analyser.ViewType = 3
+Analyser.BackColor = #07130C
+Analyser.ScaleColor = #6E9A7E
+Analyser.BorderColor = #1B3A28
+Analyser.BorderType = 1
+Analyser.ScaleFont = Arial, 7 pt
+Analyser.TickColor = #E2F5E8
+Analyser.LineInterval = 1
+Analyser.LineCount = 60
+Analyser.SpotHeight = 3
+Analyser.SpotInterval = 1
+Analyser.LineLowColor = #4ADE80
+Analyser.LineMidColor = #A3E635
+Analyser.LineHighColor = #FACC15
+Analyser.BackLineLowColor = #0B1D12
+Analyser.BackLineMidColor = #10210F
+Analyser.BackLineHighColor = #1E220D
+
+[As it comes]
+)";
+
+}  // namespace
+
+std::string_view builtinPresetText() { return text; }
+
+std::vector<Preset> builtinPresets() { return parsePresets(text).presets; }
+
+}  // namespace avplayer

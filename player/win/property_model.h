@@ -1,0 +1,49 @@
+#pragma once
+
+#include <windows.h>
+
+#include <oaidl.h>
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace avplayer {
+
+/// How a property's value is edited and written down.
+enum class ValueKind { boolean, whole, real, colour, font, text, other };
+
+/// What the type library says of a property.
+struct Property {
+  std::wstring name;
+  std::wstring help;
+  DISPID id = DISPID_UNKNOWN;
+  ValueKind kind = ValueKind::other;
+  VARTYPE type = VT_EMPTY;  ///< of the value in a put
+  bool readable = false;
+  bool writable = false;
+  bool byReference = false;  ///< an object that is put by reference
+  bool indexed = false;      ///< get and put take a number before the value
+};
+
+/// All visible properties of an object, its bases' too, in the order of its type information: one for each pair of get
+/// and put. Empty for an object without type information.
+std::vector<Property> readProperties(IDispatch& object);
+
+/// What a get or put answered.
+struct Answer {
+  HRESULT result = S_OK;
+  std::wstring text;  ///< of the error information; of the system where there is none
+  bool sent = true;   ///< false: the text made no value, the object was not asked
+};
+
+using Index = std::optional<LONG>;
+
+/// The value as text (player/value_text.h). `text` stays as it is on failure.
+Answer getText(IDispatch& object, const Property& property, Index index, std::string& text);
+
+/// Puts the value that `text` stands for.
+Answer putText(IDispatch& object, const Property& property, Index index, std::string_view text);
+
+}  // namespace avplayer

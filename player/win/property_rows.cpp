@@ -1,0 +1,483 @@
+#include "player/win/property_rows.h"
+
+#include "player/value_text.h"
+#include "player/win/buttons.h"
+#include "player/win/dialogs.h"
+#include "player/win/text.h"
+
+#include <commctrl.h>
+
+#include <algorithm>
+
+namespace avplayer {
+
+namespace {
+
+constexpr DWORD fieldStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP;
+
+HWND makeChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, DWORD exStyle = 0) {
+  return CreateWindowExW(exStyle, className, text, style, 0, 0, 10, 10, parent, nullptr, GetModuleHandleW(nullptr),
+                         nullptr);
+}
+
+void setFont(HWND window, HFONT font) { SendMessageW(window, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE); }
+
+void setText(HWND window, const std::string& text) {
+  const std::wstring shown = wide(text);
+  if (textOf(window) != shown) SetWindowTextW(window, shown.c_str());
+}
+
+bool containsWord(std::wstring text, std::wstring word) {
+  CharLowerW(text.data());
+  CharLowerW(word.data());
+  return text.find(word) != std::wstring::npos;
+}
+
+std::wstring titleOf(const Setting& setting) {
+  const std::wstring unit = setting.rule ? wide(setting.rule->unit) : std::wstring();
+  return unit.empty() ? setting.name() : setting.name() + L", " + unit;
+}
+
+COLORREF shownColour(const std::string& text) {
+  COLORREF colour = 0;
+  OleTranslateColor(parseColour(text).value_or(0), nullptr, &colour);
+  return colour;
+}
+
+}  // namespace
+
+bool PropertyRows::create(HWND parent) {
+  return Window::create({.className = L"avplayer.PropertyRows",
+                         .style = WS_CHILD | WS_VISIBLE | WS_CLIPCHILDREN | WS_CLIPSIBLINGS | WS_VSCROLL,
+                         .exStyle = WS_EX_CONTROLPARENT,
+                         .parent = parent});
+}
+
+void PropertyRows::build(HostedControl& control, const Theme& theme) {
+  m_updating = true;
+  for (const Row& row : m_rows)
+    for (HWND window : {row.label, row.main, row.extra})
+      if (window) DestroyWindow(window);
+  m_rows.clear();
+  m_control = &control;
+  m_theme = &theme;
+  const auto groups = propertyGroups();
+  for (std::size_t group = 0; group < groups.size(); ++group) {
+    bool first = true;
+    for (const Setting& setting : control.settings()) {
+      if (groupOf(setting.rule) != group) continue;
+      if (first) addHeading(wide(groups[group]).c_str());
+      first = false;
+      addRow(setting);
+    }
+  }
+  m_updating = false;
+  m_scroll = 0;
+  arrange();
+  for (Row& row : m_rows) showValue(row, true);
+}
+
+void PropertyRows::addHeading(const wchar_t* text) {
+  Row row;
+  row.label = makeChild(hwnd(), L"STATIC", text, WS_CHILD | WS_VISIBLE | SS_CENTERIMAGE | SS_NOPREFIX);
+  setFont(row.label, m_theme->bold());
+  m_rows.push_back(row);
+}
+
+void PropertyRows::addRow(const Setting& setting) {
+  Row row;
+  row.setting = &setting;
+  // The label before its field: so screen readers know what the field is called.
+  row.label = makeChild(hwnd(), L"STATIC", titleOf(setting).c_str(),
+                        WS_CHILD | WS_VISIBLE | SS_CENTERIMAGE | SS_NOPREFIX | SS_ENDELLIPSIS);
+  setFont(row.label, m_theme->text());
+  makeField(row);
+  setFont(row.main, m_theme->text());
+  m_rows.push_back(row);
+}
+
+void PropertyRows::makeField(Row& row) {
+  const Property& property = *row.setting->property;
+  const PropertyRule* rule = row.setting->rule;
+  const bool writable = property.writable && property.kind != ValueKind::other;
+  if (!writable) row.field = Field::fixed;
+  else if (rule && !rule->choices.empty()) row.field = Field::list;
+  else if (property.kind == ValueKind::boolean) row.field = Field::check;
+  else if (property.kind == ValueKind::whole || property.kind == ValueKind::real) row.field = Field::number;
+  else if (property.kind == ValueKind::colour) row.field = Field::colour;
+  else if (property.kind == ValueKind::font) row.field = Field::font;
+  else row.field = Field::text;
+
+  constexpr DWORD edit = fieldStyle | ES_AUTOHSCROLL;
+  switch (row.field) {
+    case Field::check: row.main = makeChild(hwnd(), L"BUTTON", L"", fieldStyle | BS_AUTOCHECKBOX | BS_NOTIFY); break;
+    case Field::list:
+      row.main = makeChild(hwnd(), L"COMBOBOX", L"",
+                           fieldStyle | WS_VSCROLL | CBS_DROPDOWNLIST | CBS_OWNERDRAWFIXED | CBS_HASSTRINGS);
+      for (const Choice& choice : rule->choices)
+        SendMessageW(row.main, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(wide(choice.name).c_str()));
+      break;
+    case Field::number:
+      row.main = makeChild(hwnd(), L"EDIT", L"", edit);
+      row.extra = makeChild(hwnd(), UPDOWN_CLASSW, L"", WS_CHILD | WS_VISIBLE | UDS_ARROWKEYS);
+      SendMessageW(row.extra, UDM_SETBUDDY, reinterpret_cast<WPARAM>(row.main), 0);
+      // Its own number never moves: the control's value is what counts.
+      SendMessageW(row.extra, UDM_SETRANGE32, 0, 2);
+      SendMessageW(row.extra, UDM_SETPOS32, 0, 1);
+      break;
+    case Field::colour:
+      row.main = makeChild(hwnd(), L"EDIT", L"", edit);
+      row.extra = makeButton(hwnd(), 0, L"");
+      break;
+    case Field::font: row.main = makeButton(hwnd(), 0, L""); break;
+    case Field::text: row.main = makeChild(hwnd(), L"EDIT", L"", edit); break;
+    case Field::fixed:
+      row.main = makeChild(hwnd(), L"EDIT", L"", WS_CHILD | WS_VISIBLE | WS_TABSTOP | ES_READONLY | ES_AUTOHSCROLL);
+      break;
+  }
+}
+
+void PropertyRows::filter(const std::wstring& text) {
+  Row* heading = nullptr;
+  for (Row& row : m_rows) {
+    if (!row.setting) {
+      heading = &row;
+      row.visible = false;
+      continue;
+    }
+    row.visible = text.empty() || containsWord(row.setting->name(), text);
+    if (row.visible && heading) heading->visible = true;
+  }
+  m_scroll = 0;
+  arrange();
+}
+
+void PropertyRows::arrange() {
+  if (!m_theme) return;
+  std::vector<RowKind> kinds;
+  for (const Row& row : m_rows)
+    if (row.visible) kinds.push_back(row.setting ? RowKind::property : RowKind::heading);
+  RECT client;
+  GetClientRect(hwnd(), &client);
+  RowsLayout layout = layOutRows(kinds, client.right, m_theme->dpi());
+  m_layouts = std::move(layout.rows);
+  m_height = layout.heightPx;
+  SCROLLINFO info = {
+      sizeof info, SIF_RANGE | SIF_PAGE, 0, std::max(0, m_height - 1), static_cast<UINT>(client.bottom), 0, 0};
+  SetScrollInfo(hwnd(), SB_VERT, &info, TRUE);
+  m_scroll = std::clamp(m_scroll, 0, std::max(0, m_height - static_cast<int>(client.bottom)));
+  SetScrollPos(hwnd(), SB_VERT, m_scroll, TRUE);
+  std::size_t at = 0;
+  for (Row& row : m_rows) {
+    for (HWND window : {row.label, row.main, row.extra})
+      if (window) ShowWindow(window, row.visible ? SW_SHOWNA : SW_HIDE);
+    if (row.visible) placeRow(row, m_layouts[at++]);
+  }
+  InvalidateRect(hwnd(), nullptr, TRUE);
+}
+
+void PropertyRows::placeRow(Row& row, const RowLayout& layout) const {
+  const auto put = [this](HWND window, const Box& box) {
+    if (window)
+      SetWindowPos(window, nullptr, box.x, box.y - m_scroll, box.width, box.height, SWP_NOZORDER | SWP_NOACTIVATE);
+  };
+  put(row.label, layout.label);
+  Box field = layout.editor;
+  Box extra = field;
+  if (row.field == Field::number) {
+    extra.width = m_theme->px(18);
+    extra.x = field.right() - extra.width - m_theme->px(2);
+    extra.y += m_theme->px(2);
+    extra.height -= m_theme->px(4);
+    field.width -= extra.width;
+  } else if (row.field == Field::colour) {
+    extra.width = m_theme->px(36);
+  } else if (row.field == Field::list) {
+    // A list's height is that of its closed part and its open one; the closed one follows from the line's height.
+    const int line = field.height - m_theme->px(6);
+    if (SendMessageW(row.main, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0) != line)
+      SendMessageW(row.main, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), line);
+    field.height += m_theme->px(240);
+  }
+  if (hasFrame(row)) field = textPlace(*m_theme, row.field == Field::number ? field : frameOf(row, layout));
+  if (row.field == Field::fixed) field = textPlace(*m_theme, field);
+  put(row.main, field);
+  put(row.extra, extra);
+}
+
+bool PropertyRows::hasFrame(const Row& row) {
+  return row.field == Field::number || row.field == Field::colour || row.field == Field::text;
+}
+
+/// The frame around a field's text, relative to the top of the list.
+Box PropertyRows::frameOf(const Row& row, const RowLayout& layout) const {
+  Box box = layout.editor;
+  if (row.field == Field::colour) {
+    const int swatch = m_theme->px(36 + 4);
+    box.x += swatch;
+    box.width -= swatch;
+  }
+  return box;
+}
+
+void PropertyRows::scrollTo(int position) {
+  RECT client;
+  GetClientRect(hwnd(), &client);
+  const int wanted = std::clamp(position, 0, std::max(0, m_height - static_cast<int>(client.bottom)));
+  if (wanted == m_scroll) return;
+  const int by = m_scroll - wanted;
+  m_scroll = wanted;
+  SetScrollPos(hwnd(), SB_VERT, m_scroll, TRUE);
+  ScrollWindowEx(hwnd(), 0, by, nullptr, nullptr, nullptr, nullptr, SW_SCROLLCHILDREN | SW_INVALIDATE | SW_ERASE);
+  UpdateWindow(hwnd());
+}
+
+void PropertyRows::onScrollBar(WORD request) {
+  SCROLLINFO info = {};
+  info.cbSize = sizeof info;
+  info.fMask = SIF_ALL;
+  GetScrollInfo(hwnd(), SB_VERT, &info);
+  const int line = m_theme ? m_theme->px(30) : 30;
+  switch (request) {
+    case SB_LINEUP: scrollTo(m_scroll - line); break;
+    case SB_LINEDOWN: scrollTo(m_scroll + line); break;
+    case SB_PAGEUP: scrollTo(m_scroll - static_cast<int>(info.nPage)); break;
+    case SB_PAGEDOWN: scrollTo(m_scroll + static_cast<int>(info.nPage)); break;
+    case SB_TOP: scrollTo(0); break;
+    case SB_BOTTOM: scrollTo(m_height); break;
+    case SB_THUMBTRACK:
+    case SB_THUMBPOSITION: scrollTo(info.nTrackPos); break;
+    default: break;
+  }
+}
+
+void PropertyRows::showRow(const Row& row) {
+  std::size_t at = 0;
+  for (const Row& other : m_rows) {
+    if (&other == &row) break;
+    at += other.visible ? 1 : 0;
+  }
+  RECT client;
+  GetClientRect(hwnd(), &client);
+  if (at < m_layouts.size()) scrollTo(scrollToShow(m_layouts[at].row, m_scroll, client.bottom));
+}
+
+void PropertyRows::paint() {
+  PAINTSTRUCT paint;
+  HDC context = BeginPaint(hwnd(), &paint);
+  fill(context, paint.rcPaint, colour::panel);
+  if (m_theme) {
+    std::size_t at = 0;
+    for (const Row& row : m_rows) {
+      if (!row.visible) continue;
+      const RowLayout& layout = m_layouts[at++];
+      const Box& box = layout.row;
+      if (hasFrame(row)) {
+        Box frame = frameOf(row, layout);
+        frame.y -= m_scroll;
+        drawFieldFrame(context, *m_theme, frame, GetFocus() == row.main);
+      }
+      if (row.setting) continue;
+      const int y = box.bottom() - m_scroll - m_theme->px(5);
+      fill(context, {m_theme->px(12), y, box.right() - m_theme->px(12), y + m_theme->px(1)}, colour::panelLine);
+    }
+  }
+  EndPaint(hwnd(), &paint);
+}
+
+PropertyRows::Row* PropertyRows::rowOf(HWND window) {
+  for (Row& row : m_rows)
+    if (row.setting && window && (row.main == window || row.extra == window)) return &row;
+  return nullptr;
+}
+
+LRESULT PropertyRows::onMessage(UINT message, WPARAM wParam, LPARAM lParam) {
+  switch (message) {
+    case WM_PAINT: paint(); return 0;
+    case WM_ERASEBKGND: return 1;
+    case WM_SIZE: arrange(); return 0;
+    case WM_VSCROLL: onScrollBar(LOWORD(wParam)); return 0;
+    case WM_MOUSEWHEEL:
+      scrollTo(m_scroll - GET_WHEEL_DELTA_WPARAM(wParam) * (m_theme ? m_theme->px(60) : 60) / WHEEL_DELTA);
+      return 0;
+    case WM_COMMAND: onCommand(reinterpret_cast<HWND>(lParam), HIWORD(wParam)); return 0;
+    case WM_NOTIFY: {
+      const auto& notice = *reinterpret_cast<const NMUPDOWN*>(lParam);
+      if (notice.hdr.code != UDN_DELTAPOS) return 0;
+      if (Row* row = rowOf(notice.hdr.hwndFrom)) step(*row, notice.iDelta > 0 ? 1 : -1);
+      return 1;  // its own number stays
+    }
+    case WM_DRAWITEM: drawField(*reinterpret_cast<const DRAWITEMSTRUCT*>(lParam)); return TRUE;
+    case WM_MEASUREITEM:
+      reinterpret_cast<MEASUREITEMSTRUCT*>(lParam)->itemHeight = static_cast<UINT>(m_theme->px(22));
+      return TRUE;
+    case WM_CTLCOLORSTATIC:
+    case WM_CTLCOLORBTN:
+      SetBkColor(reinterpret_cast<HDC>(wParam), colour::panel);
+      SetTextColor(reinterpret_cast<HDC>(wParam), colour::text);
+      return reinterpret_cast<LRESULT>(brushOf(colour::panel));
+    default: return Window::onMessage(message, wParam, lParam);
+  }
+}
+
+void PropertyRows::onCommand(HWND window, WORD notice) {
+  Row* row = rowOf(window);
+  if (!row || m_updating) return;
+  const bool isList = row->field == Field::list;
+  const bool isButton = window == row->extra || row->field == Field::font || row->field == Field::check;
+  const WORD gotKeyboard = isList ? CBN_SETFOCUS : isButton ? BN_SETFOCUS : EN_SETFOCUS;
+  if (notice == gotKeyboard) {
+    showRow(*row);
+    tell(*row);
+    if (!isList && !isButton) SendMessageW(window, EM_SETSEL, 0, -1);
+    if (isButton) InvalidateRect(window, nullptr, FALSE);
+    else InvalidateRect(hwnd(), nullptr, FALSE);  // the frame shows it
+  } else if (isList) {
+    if (notice == CBN_SELCHANGE) commit(*row);
+  } else if (isButton) {
+    if (notice == BN_KILLFOCUS) InvalidateRect(window, nullptr, FALSE);
+    if (notice != BN_CLICKED) return;
+    if (row->field == Field::colour) chooseColour(*row);
+    else if (row->field == Field::font) chooseFont(*row);
+    else commit(*row);
+  } else if (notice == EN_KILLFOCUS) {
+    InvalidateRect(hwnd(), nullptr, FALSE);
+    if (SendMessageW(window, EM_GETMODIFY, 0, 0)) commit(*row);
+  }
+}
+
+bool PropertyRows::onKey(WPARAM key) {
+  Row* row = rowOf(GetFocus());
+  const bool isEdit = row && GetFocus() == row->main && row->field != Field::list && row->field != Field::font;
+  if (!isEdit || row->field == Field::check) return false;
+  if (key == VK_RETURN) {
+    commit(*row);
+  } else {
+    if (!SendMessageW(row->main, EM_GETMODIFY, 0, 0)) return false;
+    showValue(*row, true);
+  }
+  SendMessageW(row->main, EM_SETSEL, 0, -1);
+  return true;
+}
+
+void PropertyRows::focusFirst() {
+  for (const Row& row : m_rows) {
+    if (!row.setting || !row.visible) continue;
+    SetFocus(row.main);
+    return;
+  }
+}
+
+/// One step of the arrows, from the value in the field.
+void PropertyRows::step(Row& row, int direction) {
+  const std::int32_t by = row.setting->rule ? row.setting->rule->step : 1;
+  const std::string text = fieldText(row);
+  if (row.setting->property->kind == ValueKind::real) {
+    if (const auto value = parseReal(text)) put(row, formatReal(*value + static_cast<float>(direction) * 0.5f));
+    return;
+  }
+  const auto value = parseWhole(text);
+  if (value)
+    put(row, formatWhole(static_cast<std::int32_t>(
+                 std::clamp<std::int64_t>(std::int64_t{*value} + direction * by, INT32_MIN, INT32_MAX))));
+  if (GetFocus() == row.main) SendMessageW(row.main, EM_SETSEL, 0, -1);
+}
+
+std::string PropertyRows::fieldText(const Row& row) const {
+  switch (row.field) {
+    case Field::check: return formatBoolean(SendMessageW(row.main, BM_GETCHECK, 0, 0) == BST_CHECKED);
+    case Field::list: {
+      const auto chosen = static_cast<std::size_t>(SendMessageW(row.main, CB_GETCURSEL, 0, 0));
+      const auto choices = row.setting->rule->choices;
+      return chosen < choices.size() ? formatWhole(choices[chosen].value) : row.shown;
+    }
+    default: return narrow(textOf(row.main));
+  }
+}
+
+void PropertyRows::commit(Row& row) {
+  if (row.field != Field::fixed) put(row, fieldText(row));
+}
+
+/// Puts a value and says what came of it. A refused one gives way to the old one.
+void PropertyRows::put(Row& row, const std::string& text) {
+  const Setting& setting = *row.setting;
+  const Answer answer = m_control->put(setting, text);
+  refresh();
+  showValue(row, true);
+  if (onPut) onPut(setting, text, answer);
+  if (!onMessageText) return;
+  const std::wstring name = setting.name();
+  if (!answer.sent) {
+    onMessageText({name + L" stays", answer.text, true});
+  } else if (FAILED(answer.result)) {
+    onMessageText({name + L" refuses " + wide(text) + L": " + hexText(answer.result), answer.text, true});
+  } else {
+    const bool number = setting.property->kind == ValueKind::whole && parseWhole(text) != parseWhole(row.shown);
+    if (number)
+      onMessageText({name, L"Took " + wide(row.shown) + L" instead of " + wide(text) + L". " + setting.property->help});
+    else tell(row);
+  }
+}
+
+void PropertyRows::tell(const Row& row) {
+  if (!onMessageText) return;
+  const Property& property = *row.setting->property;
+  onMessageText({row.setting->name(), property.writable ? property.help : property.help + L" (read only)"});
+}
+
+void PropertyRows::refresh() {
+  for (Row& row : m_rows) showValue(row, false);
+}
+
+/// Brings the control's value into the field. Unless forced, a text that is being typed stays.
+void PropertyRows::showValue(Row& row, bool force) {
+  if (!row.setting) return;
+  std::string text = row.shown;
+  if (row.setting->property->readable && FAILED(m_control->get(*row.setting, text).result)) text.clear();
+  const bool edit = row.field == Field::number || row.field == Field::text || row.field == Field::colour;
+  const bool typing = edit && GetFocus() == row.main && SendMessageW(row.main, EM_GETMODIFY, 0, 0) != 0;
+  if (!force && (typing || text == row.shown)) return;
+  row.shown = text;
+  m_updating = true;
+  switch (row.field) {
+    case Field::check:
+      SendMessageW(row.main, BM_SETCHECK, parseBoolean(text).value_or(false) ? BST_CHECKED : BST_UNCHECKED, 0);
+      break;
+    case Field::list: {
+      const auto choices = row.setting->rule->choices;
+      const auto value = parseWhole(text);
+      int chosen = -1;
+      for (std::size_t i = 0; i < choices.size(); ++i)
+        if (value == choices[i].value) chosen = static_cast<int>(i);
+      SendMessageW(row.main, CB_SETCURSEL, static_cast<WPARAM>(chosen), 0);
+      break;
+    }
+    default:
+      setText(row.main, text);
+      if (edit) SendMessageW(row.main, EM_SETMODIFY, FALSE, 0);
+      if (row.extra && row.field == Field::colour) InvalidateRect(row.extra, nullptr, FALSE);
+      if (row.field == Field::font) InvalidateRect(row.main, nullptr, FALSE);
+      break;
+  }
+  m_updating = false;
+}
+
+void PropertyRows::chooseColour(Row& row) {
+  if (const auto chosen = askForColour(hwnd(), shownColour(row.shown))) put(row, formatColour(*chosen));
+}
+
+void PropertyRows::chooseFont(Row& row) {
+  const FontText before = parseFont(row.shown).value_or(FontText{"Arial"});
+  if (const auto chosen = askForFont(hwnd(), before)) put(row, formatFont(*chosen));
+}
+
+void PropertyRows::drawField(const DRAWITEMSTRUCT& item) {
+  const Row* row = rowOf(item.hwndItem);
+  if (!row || !m_theme) return;
+  if (item.CtlType == ODT_COMBOBOX) drawListItem(item, *m_theme);
+  else if (row->field == Field::colour) drawSwatch(item, *m_theme, shownColour(row->shown));
+  else drawTextButton(item, *m_theme, ButtonLook::left);
+}
+
+}  // namespace avplayer
