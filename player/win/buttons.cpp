@@ -93,8 +93,11 @@ void drawIcon(IconField& field, Icon icon) {
       field.triangle({13, 3}, {13, 13}, {6, 8});
       break;
     case Icon::loop:
-      field.arc(3, 3, 10, -30, 300);
-      field.line({12.2f, 1.6f}, {12, 5.4f}, {8.4f, 5});
+      // Two arrows around a long loop.
+      field.line({2.5f, 8.5f}, {2.5f, 4.5f}, {11, 4.5f});
+      field.line({13.5f, 7.5f}, {13.5f, 11.5f}, {5, 11.5f});
+      field.triangle({10.5f, 1.5f}, {10.5f, 7.5f}, {14, 4.5f});
+      field.triangle({5.5f, 8.5f}, {5.5f, 14.5f}, {2, 11.5f});
       break;
     case Icon::camera:
       field.frame(1.5f, 4.5f, 13, 9);

@@ -24,6 +24,12 @@ HRESULT HostedControl::open(ControlKind kind, const Microsoft::WRL::ComPtr<Templ
   return S_OK;
 }
 
+std::wstring HostedControl::className() const {
+  return L"CAudioVisualization4Type" + std::to_wstring(indexOf(m_kind) + 1);
+}
+
+std::wstring HostedControl::help() const { return interfaceHelp(*m_control.Get()); }
+
 Answer HostedControl::put(const Setting& setting, std::string_view text) {
   const Answer answer = putText(*m_control.Get(), *setting.property, setting.index, text);
   if (SUCCEEDED(answer.result) && setting.property->name == L"AutoSize")

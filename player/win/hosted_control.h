@@ -46,6 +46,11 @@ class HostedControl {
   /// A whole number by its name; 0 where there is none.
   std::int32_t number(std::wstring_view name) const;
 
+  /// As programs create it: "CAudioVisualization4Type1".
+  std::wstring className() const;
+  /// What the type library says of it.
+  std::wstring help() const;
+
   /// Gives the control back before its library goes.
   void close() {
     m_container.close();

@@ -10,6 +10,8 @@ namespace avplayer {
 
 namespace {
 
+/// What the system's frame adds to the line of a list, at any DPI.
+constexpr int listFrame = 6;
 constexpr int presetBoxId = 10;
 constexpr int filterId = 11;
 constexpr int firstTabId = 20;
@@ -46,11 +48,20 @@ void Panel::arrange(const Box& box, const Theme& theme) {
   for (std::size_t i = 0; i < controlCount; ++i) put(m_tabs[i], m_layout.tabs[i]);
   setFont(m_presetBox, theme.text());
   setFont(m_filter, theme.text());
-  SendMessageW(m_presetBox, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), m_layout.presetName.height - theme.px(6));
+  SendMessageW(m_presetBox, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), m_layout.presetName.height - listFrame);
   Box list = m_layout.presetName;
   list.height += theme.px(300);
   put(m_presetBox, list);
   SendMessageW(m_presetBox, CB_SETEDITSEL, 0, MAKELPARAM(-1, 0));  // a resize selects its text
+  COMBOBOXINFO parts = {};
+  parts.cbSize = sizeof parts;
+  if (GetComboBoxInfo(m_presetBox, &parts)) {
+    // Its text field keeps to the top otherwise.
+    const RECT& item = parts.rcItem;
+    SetWindowPos(parts.hwndItem, nullptr, item.left + theme.px(4),
+                 (m_layout.presetName.height - theme.lineHeight()) / 2, item.right - item.left - theme.px(4),
+                 theme.lineHeight(), SWP_NOZORDER | SWP_NOACTIVATE);
+  }
   put(m_save, m_layout.savePreset);
   put(m_delete, m_layout.deletePreset);
   put(m_filter, textPlace(theme, m_layout.filter));
@@ -63,7 +74,7 @@ void Panel::select(HostedControl& control) {
   for (HWND tab : m_tabs) InvalidateRect(tab, nullptr, FALSE);
   if (m_theme) rows.build(control, *m_theme);
   rows.filter(textOf(m_filter));
-  tell({});
+  tell({control.className(), control.help()});
 }
 
 void Panel::setPresets(const std::vector<std::wstring>& names, const std::wstring& current) {

@@ -283,6 +283,14 @@ std::vector<Property> readProperties(IDispatch& object) {
   return properties;
 }
 
+std::wstring interfaceHelp(IDispatch& object) {
+  ComPtr<ITypeInfo> info;
+  BSTR help = nullptr;
+  if (SUCCEEDED(object.GetTypeInfo(0, GetUserDefaultLCID(), info.GetAddressOf())) && info)
+    info->GetDocumentation(MEMBERID_NIL, nullptr, &help, nullptr, nullptr);
+  return taken(help);
+}
+
 Answer getText(IDispatch& object, const Property& property, Index index, std::string& text) {
   VARIANT argument;
   V_VT(&argument) = VT_I4;

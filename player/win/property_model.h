@@ -31,6 +31,9 @@ struct Property {
 /// and put. Empty for an object without type information.
 std::vector<Property> readProperties(IDispatch& object);
 
+/// The help text of an object's interface.
+std::wstring interfaceHelp(IDispatch& object);
+
 /// What a get or put answered.
 struct Answer {
   HRESULT result = S_OK;

@@ -13,6 +13,8 @@ namespace avplayer {
 
 namespace {
 
+/// What the system's frame adds to the line of a closed list, at any DPI.
+constexpr int listFrame = 6;
 constexpr DWORD fieldStyle = WS_CHILD | WS_VISIBLE | WS_TABSTOP;
 
 HWND makeChild(HWND parent, const wchar_t* className, const wchar_t* text, DWORD style, DWORD exStyle = 0) {
@@ -194,7 +196,7 @@ void PropertyRows::placeRow(Row& row, const RowLayout& layout) const {
     extra.width = m_theme->px(36);
   } else if (row.field == Field::list) {
     // A list's height is that of its closed part and its open one; the closed one follows from the line's height.
-    const int line = field.height - m_theme->px(6);
+    const int line = field.height - listFrame;
     if (SendMessageW(row.main, CB_GETITEMHEIGHT, static_cast<WPARAM>(-1), 0) != line)
       SendMessageW(row.main, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), line);
     field.height += m_theme->px(240);
