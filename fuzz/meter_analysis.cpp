@@ -1,6 +1,7 @@
 // The level meter's analysis: blocks of any format one after the other, settings, lines and time changed between them,
 // against the steps written down slowly, to the bit.
 
+#include "dsp/levels.h"
 #include "fuzz/audio_input.h"
 #include "fuzz/check.h"
 #include "fuzz/property_tables.h"
@@ -57,6 +58,17 @@ void checkLines(Meter& meter) {
   });
 }
 
+/// The logarithms are the library's, so that everything after them has its bits; they are checked here.
+void toLevels(std::span<double> transform, double fullScale) {
+  std::vector<double> slowly(transform.begin(), transform.end());
+  test::literalLevels(slowly, fullScale);
+  dsp::hartleyBinsToLevels(transform, fullScale, -91);
+  for (std::size_t i = 0; i < slowly.size(); ++i) {
+    // 20·log10 of what doubles can hold is below 6166, whose last place is 1e-12.
+    require(same(transform[i], slowly[i]) || std::fabs(transform[i] - slowly[i]) < 1e-11, "a level is its logarithm");
+  }
+}
+
 void accept(Meter& meter, const test::Pcm& pcm) {
   AudioBlock block = pcm.block();
   if (pcm.bytes.empty()) block.samples = nullptr;
@@ -81,8 +93,9 @@ void accept(Meter& meter, const test::Pcm& pcm) {
   }
   require(outcome == Outcome::analysed, "blocks of enough frames are analysed");
   const std::int64_t mode = std::int64_t{meter.settings.fftViewType} * 2 | std::int64_t{meter.settings.alignmentY};
-  const auto bands = meter.model.bands(pcm, static_cast<std::size_t>(length), meter.settings.fftWindowType,
-                                       meter.lines.count(), mode >= 0 && mode <= 3 ? static_cast<int>(mode) : 0);
+  const auto bands =
+      meter.model.bands(pcm, static_cast<std::size_t>(length), meter.settings.fftWindowType, meter.lines.count(),
+                        mode >= 0 && mode <= 3 ? static_cast<int>(mode) : 0, toLevels);
   for (std::size_t i = 0; i < bands.size(); ++i) meter.write(i, bands[i]);
 }
 

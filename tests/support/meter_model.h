@@ -7,6 +7,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 // The level meter's way from a block to its bands, step by step and slowly, with a buffer that keeps its state as the
@@ -107,10 +108,29 @@ inline std::vector<double> foldedBands(const std::vector<double>& levels, int li
   return lines;
 }
 
+/// Writes the levels of the bins over the first half of a transform, from position 1 on; nothing is below −91 dB.
+inline void literalLevels(std::span<double> transform, double fullScale) {
+  const auto N = static_cast<double>(transform.size());
+  for (std::size_t k = 1; k < transform.size() / 2; ++k) {
+    const double a = (transform[k] + transform[transform.size() - k]) / N;
+    const double b = (transform[k] - transform[transform.size() - k]) / N;
+    const double p = a * a + b * b;
+    double level = -91.0;
+    if (p != 0) {
+      level = 20 * std::log10(std::sqrt(p) / fullScale);
+      if (!(level >= -91.0)) level = -91.0;
+    }
+    transform[k] = level;
+  }
+}
+
 class MeterModel {
  public:
   /// The bands after one block of at least `lineCount` frames, of which `length` are analysed.
-  std::vector<double> bands(const Pcm& pcm, std::size_t length, int windowType, int lineCount, int mode) {
+  /// `toLevels`: another literalLevels.
+  template <class ToLevels = decltype(literalLevels)>
+  std::vector<double> bands(const Pcm& pcm, std::size_t length, int windowType, int lineCount, int mode,
+                            ToLevels&& toLevels = literalLevels) {
     const int bits = pcm.format.wBitsPerSample;
     const int channels = pcm.format.nChannels;
     if (bits == 8 || bits == 16 || bits == 32) {
@@ -124,20 +144,8 @@ class MeterModel {
     for (std::size_t i = 0; i < length; ++i) m_buffer.at(i) *= meterWindow(windowType, i, length);
     literalRadix4(m_buffer, length);
 
-    const double fullScale = std::pow(2.0, bits - 1) - 1;
-    const auto N = static_cast<double>(length);
+    toLevels(std::span(m_buffer).first(length), std::pow(2.0, bits - 1) - 1);
     const std::size_t h = length / 2;
-    for (std::size_t k = 1; k < h; ++k) {
-      const double a = (m_buffer.at(k) + m_buffer.at(length - k)) / N;
-      const double b = (m_buffer.at(k) - m_buffer.at(length - k)) / N;
-      const double p = a * a + b * b;
-      double level = -91.0;
-      if (p != 0) {
-        level = 20 * std::log10(std::sqrt(p) / fullScale);
-        if (!(level >= -91.0)) level = -91.0;
-      }
-      m_buffer.at(k) = level;
-    }
     return foldedBands({m_buffer.begin(), m_buffer.begin() + static_cast<std::ptrdiff_t>(h < 1 ? 1 : h)}, lineCount,
                        mode);
   }
