@@ -22,6 +22,7 @@ constexpr IID frameDataId = {0x9B7FEC49, 0x99A8, 0x4FEF, {0xA9, 0xE2, 0x38, 0xE1
 #define RESERVED(slot) \
   virtual HRESULT STDMETHODCALLTYPE reserved##slot() { return E_NOTIMPL; }
 
+// clang-format off: it takes rows of slots for one declaration
 class FrameData final : public IUnknown {
  public:
   FrameData(const WAVEFORMATEX& format, void* samples, LONG bytes)
@@ -34,9 +35,8 @@ class FrameData final : public IUnknown {
   STDMETHODIMP_(ULONG) AddRef() override { return 2; }
   STDMETHODIMP_(ULONG) Release() override { return 1; }
 
-  RESERVED(3)
-  RESERVED(4) RESERVED(5) RESERVED(6) RESERVED(7) RESERVED(8) RESERVED(9) virtual HRESULT STDMETHODCALLTYPE
-      GetBuffer(BYTE** buffer) {  // slot 10
+  RESERVED(3) RESERVED(4) RESERVED(5) RESERVED(6) RESERVED(7) RESERVED(8) RESERVED(9)
+  virtual HRESULT STDMETHODCALLTYPE GetBuffer(BYTE** buffer) {  // slot 10
     *buffer = static_cast<BYTE*>(m_samples);
     return S_OK;
   }
@@ -48,10 +48,10 @@ class FrameData final : public IUnknown {
     *bytes = m_bytes;
     return S_OK;
   }
-  RESERVED(13)
-  RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(17) RESERVED(18) RESERVED(19) RESERVED(20) RESERVED(21) RESERVED(22)
-      RESERVED(23) RESERVED(24) RESERVED(25) RESERVED(26) RESERVED(27) RESERVED(28) RESERVED(29) RESERVED(30)
-          RESERVED(31) RESERVED(32) virtual HRESULT STDMETHODCALLTYPE GetFormat(BYTE** format) {  // 33
+  RESERVED(13) RESERVED(14) RESERVED(15) RESERVED(16) RESERVED(17) RESERVED(18) RESERVED(19) RESERVED(20) RESERVED(21)
+  RESERVED(22) RESERVED(23) RESERVED(24) RESERVED(25) RESERVED(26) RESERVED(27) RESERVED(28) RESERVED(29) RESERVED(30)
+  RESERVED(31) RESERVED(32)
+  virtual HRESULT STDMETHODCALLTYPE GetFormat(BYTE** format) {  // 33
     *format = reinterpret_cast<BYTE*>(&m_format);
     return S_OK;
   }
@@ -65,6 +65,7 @@ class FrameData final : public IUnknown {
   void* m_samples;
   LONG m_bytes;
 };
+// clang-format on
 
 // What the control sees of its container. It outlives the control, so it does not count references either.
 class Site final : public IOleClientSite, public IOleInPlaceSite, public IOleInPlaceFrame {
