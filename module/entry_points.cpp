@@ -7,8 +7,8 @@
 
 #include "module/module.h"
 #include "module/registration.h"
-#include "module/runtime_threads.h"
 #include "ole/control_window.h"
+#include "runtime/runtime_threads.h"
 
 // [loader lock]
 extern "C" BOOL WINAPI DllMain(HINSTANCE instance, DWORD reason, void* processEnds) {

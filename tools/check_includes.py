@@ -17,21 +17,23 @@ ARROWS = {
     "gfx/win": ["gfx"],
     "common": ["gfx", "simd"],
     "common/win": ["common", "gfx", "ole", "generated"],
+    "wave": [],
     "ole": [],
-    "module": ["common", "common/win", "gfx/win", "ole", "type1/win", "type2/win", "type3/win", "generated"],
+    "runtime": [],
+    "module": ["common", "common/win", "gfx/win", "ole", "runtime", "type1/win", "type2/win", "type3/win", "generated"],
     # For hosts: no source of a control.
     "host": ["generated"],
-    "demo": ["host", "generated"],
+    "demo": ["host", "wave", "generated"],
     "samples": ["host", "generated"],
     "player": [],
     "player/win": ["player", "demo", "host", "generated"],
-    "companion": ["host", "ole", "generated"],
+    "companion": ["host", "ole", "runtime", "wave", "generated"],
 }
 for control in ("type1", "type2", "type3"):
     ARROWS[control] = ["dsp", "gfx", "common"]
     ARROWS[control + "/win"] = [control, "common", "common/win", "gfx", "gfx/win", "ole", "generated"]
 
-PORTABLE = {"simd", "dsp", "gfx", "common", "type1", "type2", "type3", "player"}
+PORTABLE = {"simd", "dsp", "gfx", "common", "wave", "type1", "type2", "type3", "player"}
 
 # What the portable core may include in angle brackets: the C++20 library, and the compiler's intrinsics for kernels
 # that are chosen at run time. In particular no <windows.h>.
@@ -46,7 +48,7 @@ STANDARD = set(
     unordered_set utility valarray variant vector version immintrin.h""".split()
 )
 
-GENERATED = {"QELAudioVisualization4.h", "automation_types.h"}
+GENERATED = {"QELAudioVisualization4.h", "AudioBlocks.h", "automation_types.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 

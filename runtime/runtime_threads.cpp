@@ -7,7 +7,7 @@
 // asks for and no more: whatever needs more of the library (a static variable with a guard, std::thread) links it as
 // well, and the linker refuses the functions that are there twice.
 
-#include "module/runtime_threads.h"
+#include "runtime/runtime_threads.h"
 
 #include <windows.h>
 

@@ -2,7 +2,7 @@
 
 #include <windows.h>
 
-namespace av {
+namespace av::ole {
 
 /// Gives the calling thread another locale for as long as it lives.
 class ThreadLocaleScope {
@@ -16,4 +16,4 @@ class ThreadLocaleScope {
   LCID m_saved;
 };
 
-}  // namespace av
+}  // namespace av::ole
