@@ -16,7 +16,7 @@ help:
 	@echo "make test       the quick tests: native, sanitizers, Windows 64-bit under Wine"
 	@echo "make test-full  all tests, the 32-bit ones too"
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
-	@echo "make build      the 64-bit and the 32-bit library: build/x64/bin, build/x86/bin"
+	@echo "make build      the 64-bit and the 32-bit libraries: build/x64/bin, build/x86/bin"
 	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
 	@echo "make fuzz       every fuzzer for FUZZ_SECONDS (60), or for FUZZ_RUNS inputs: a table"
 	@echo "make coverage   line and branch coverage of the portable core"
@@ -26,8 +26,8 @@ help:
 
 build:
 	@tools/bootstrap.sh build
-	@tools/build x64 QELAudioVisualization4
-	@tools/build x86 QELAudioVisualization4
+	@tools/build x64 QELAudioVisualization4 AudioBlocks
+	@tools/build x86 QELAudioVisualization4 AudioBlocks
 
 test:
 	@tools/bootstrap.sh build test
