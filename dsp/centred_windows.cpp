@@ -4,12 +4,6 @@
 #include <numbers>
 
 namespace av::dsp {
-namespace {
-
-bool weighs(int type) noexcept { return type >= 1 && type <= 4; }
-
-}  // namespace
-
 double centredWindowWeight(int type, int index, int length) noexcept {
   const double n = length;
   const double fromApex = index - 0.5 * n;
@@ -27,17 +21,12 @@ double centredWindowWeight(int type, int index, int length) noexcept {
   }
 }
 
-void CentredWindow::apply(int type, std::span<double> samples) {
-  if (!weighs(type)) return;
-  const std::size_t length = samples.size();
-  if (type != m_type || length != m_weights.size()) {
-    m_type = 0;  // should the table fail to grow, it counts as not made
-    m_weights.resize(length);
-    for (std::size_t i = 0; i < length; ++i)
-      m_weights[i] = centredWindowWeight(type, static_cast<int>(i), static_cast<int>(length));
-    m_type = type;
-  }
-  for (std::size_t i = 0; i < length; ++i) samples[i] *= m_weights[i];
+void CentredWindow::makeWeights(int type, std::size_t length) {
+  m_type = 0;  // should the table fail to grow, it counts as not made
+  m_weights.resize(length);
+  for (std::size_t i = 0; i < length; ++i)
+    m_weights[i] = centredWindowWeight(type, static_cast<int>(i), static_cast<int>(length));
+  m_type = type;
 }
 
 }  // namespace av::dsp

@@ -23,11 +23,24 @@ class CentredWindow {
   /// Reserves the table for blocks of up to `capacity` samples. Throws std::bad_alloc.
   explicit CentredWindow(std::size_t capacity) { m_weights.reserve(capacity); }
 
+  /// The weights of a window of `length` samples; none for a type that weighs nothing.
+  /// Allocates only for lengths above the capacity (std::bad_alloc).
+  std::span<const double> weights(int type, std::size_t length) {
+    if (type < 1 || type > 4) return {};
+    if (type != m_type || length != m_weights.size()) makeWeights(type, length);
+    return m_weights;
+  }
+
   /// Multiplies each sample by its weight; a block's length is the window's length.
   /// Allocates only for blocks that are longer than the capacity (std::bad_alloc, the samples are untouched then).
-  void apply(int type, std::span<double> samples);
+  void apply(int type, std::span<double> samples) {
+    const std::span<const double> table = weights(type, samples.size());
+    for (std::size_t i = 0; i < table.size(); ++i) samples[i] *= table[i];
+  }
 
  private:
+  void makeWeights(int type, std::size_t length);
+
   int m_type = 0;
   std::vector<double> m_weights;
 };

@@ -1,7 +1,6 @@
 #include "dsp/hartley.h"
 
 #include <bit>
-#include <cassert>
 #include <cmath>
 #include <numbers>
 #include <stdexcept>
@@ -26,11 +25,6 @@ HartleyTransform::HartleyTransform(int length, std::span<const HartleyKernel* co
     : m_length(checkedLength(length)), m_plan(m_length, kernels) {
   const bool oddPower = std::countr_zero(static_cast<unsigned>(length)) % 2 != 0;
   m_plan.prepare({m_length, oddPower, twiddle});
-}
-
-void HartleyTransform::transform(std::span<double> values) noexcept {
-  assert(values.size() == static_cast<std::size_t>(m_length));
-  m_plan.transform(values.data());
 }
 
 }  // namespace av::dsp

@@ -2,6 +2,7 @@
 
 #include "dsp/hartley_plan.h"
 
+#include <cassert>
 #include <span>
 
 namespace av::dsp {
@@ -21,8 +22,11 @@ class HartleyTransform {
 
   int length() const noexcept { return m_length; }
 
-  /// Transforms `values` in place; allocates nothing. `values` must hold exactly N elements.
-  void transform(std::span<double> values) noexcept;
+  /// Transforms `values` in place, multiplied by `window` if that is not empty; allocates nothing. `values` must hold exactly N elements.
+  void transform(std::span<double> values, std::span<const double> window = {}) noexcept {
+    assert(values.size() == static_cast<std::size_t>(m_length));
+    m_plan.transform(values.data(), window);
+  }
 
  private:
   int m_length;

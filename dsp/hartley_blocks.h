@@ -50,10 +50,11 @@ AV_ALWAYS_INLINE void joinFromTheStart(V* x, const HartleyTwiddle* twiddles, Rea
   joinBlock<span>(x, twiddles + twiddleCount(part));
 }
 
-/// Reorders the values into `to` and does the stages up to `span` there. As many blocks as a vector has lanes are done side
+/// Reorders the values, times the window if there is one, into `to` and does the stages up to `span` there. As many blocks as a vector has lanes are done side
 /// by side, one a lane, so that no stage has to rearrange lanes; a last exchange makes them rows.
 template <int lanes, int span>
-AV_ALWAYS_INLINE void hartleyBlocks(const HartleySteps& steps, const double* values, double* to) noexcept {
+AV_ALWAYS_INLINE void hartleyBlocks(const HartleySteps& steps, const double* values, const double* window,
+                                    double* to) noexcept {
   using V = Vector<lanes>;
   const std::uint16_t* const order = steps.order;
   const std::size_t blocks = steps.length / span;
@@ -61,8 +62,12 @@ AV_ALWAYS_INLINE void hartleyBlocks(const HartleySteps& steps, const double* val
     // The last vector goes back over blocks that have been done: the values do not change.
     const std::size_t first = next + lanes <= blocks ? next : blocks - lanes;
     V x[span];
-    if (steps.powerOfTwo) {
-      // Element j of the blocks whose numbers are the reversed bits of first, first + 1, ... stand side by side.
+    // Element j of the blocks whose numbers are the reversed bits of first, first + 1, ... stand side by side.
+    if (steps.powerOfTwo && window != nullptr) {
+      joinFromTheStart<span>(x, steps.blockTwiddles, [&](int j) AV_INLINED {
+        return load<lanes>(values + order[j] + first) * load<lanes>(window + order[j] + first);
+      });
+    } else if (steps.powerOfTwo) {
       joinFromTheStart<span>(x, steps.blockTwiddles,
                              [&](int j) AV_INLINED { return load<lanes>(values + order[j] + first); });
     } else {

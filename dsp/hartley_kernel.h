@@ -34,9 +34,10 @@ struct HartleyKernel {
   const char* name;
   std::uint32_t lanes;  ///< doubles in a vector
 
-  /// Reorders the values into `to` and does the stages up to `blockSpan`, for the whole blocks of `blockSpan` elements.
+  /// Reorders the values into `to`, multiplied by `window` if that is not null (only where the length is a power of two),
+  /// and does the stages up to `blockSpan`, for the whole blocks of `blockSpan` elements.
   /// There are at least as many of them as lanes. What is left over at the end is the caller's.
-  void (*blocks)(const HartleySteps& steps, const double* values, double* to) noexcept;
+  void (*blocks)(const HartleySteps& steps, const double* values, const double* window, double* to) noexcept;
 
   /// Does the stages after them: `work` is changed, the last one writes to `values`.
   void (*stages)(const HartleySteps& steps, double* work, double* values) noexcept;

@@ -8,11 +8,11 @@ namespace av::dsp {
 /// A kernel's functions; see HartleyKernel.
 template <int lanes>
 struct HartleyKernelBody {
-  static void blocks(const HartleySteps& steps, const double* values, double* to) noexcept {
+  static void blocks(const HartleySteps& steps, const double* values, const double* window, double* to) noexcept {
     if (steps.blockSpan == 64) {
-      hartleyBlocks<lanes, 64>(steps, values, to);
+      hartleyBlocks<lanes, 64>(steps, values, window, to);
     } else {
-      hartleyBlocks<lanes, 32>(steps, values, to);
+      hartleyBlocks<lanes, 32>(steps, values, window, to);
     }
   }
 

@@ -88,12 +88,15 @@ void HartleyPlan::appendFactors(int span) noexcept {
   m_stages.push_back({static_cast<std::uint32_t>(span), m_factors.data() + start});
 }
 
-void HartleyPlan::transform(double* values) noexcept {
+void HartleyPlan::transform(double* values, std::span<const double> window) noexcept {
   const auto length = m_order.size();
   double* const work = m_work.data();
+  const bool multipliesOnTheWay = m_kernel != nullptr && m_steps.powerOfTwo;
+  if (!multipliesOnTheWay)
+    for (std::size_t i = 0; i < window.size(); ++i) values[i] *= window[i];
   std::size_t done = 0;
   if (m_kernel != nullptr) {
-    m_kernel->blocks(m_steps, values, work);
+    m_kernel->blocks(m_steps, values, multipliesOnTheWay && !window.empty() ? window.data() : nullptr, work);
     done = length / m_steps.blockSpan * m_steps.blockSpan;
   }
   for (std::size_t i = done; i < length; ++i) work[i] = values[m_order[i]];

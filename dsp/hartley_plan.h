@@ -29,9 +29,10 @@ class HartleyPlan {
   /// Makes the tables of another transform. Allocates nothing.
   void prepare(const Recipe& recipe) noexcept;
 
-  /// Transforms the first `length` of `values` in place; allocates nothing. The last block of a stage may reach beyond the
+  /// Transforms the first `length` of `values` in place, multiplied by `window` if that is not empty; allocates nothing. The
+  /// last block of a stage may reach beyond the
   /// length, to reach(): elements there take part as they are and come out changed.
-  void transform(double* values) noexcept;
+  void transform(double* values, std::span<const double> window = {}) noexcept;
 
   /// The length, rounded up to whole blocks of the largest stage.
   std::size_t reach() const noexcept { return m_reach; }

@@ -39,7 +39,17 @@ AV_ALWAYS_INLINE void fillLevels(double* hartley, std::size_t length, const Leve
   for (std::size_t lane = 0; k + lane < bins; ++lane) hartley[k + lane] = levels[lane];
 }
 
-/// A kernel's function; see LevelKernel.
+template <int lanes>
+AV_ALWAYS_INLINE void fillDecibels(double* values, std::size_t count) noexcept {
+  std::size_t i = 0;
+  for (; i + lanes <= count; i += lanes) store<lanes>(values + i, decibels<lanes>(load<lanes>(values + i)));
+  Vector<lanes> rest{};
+  for (std::size_t lane = 0; i + lane < count; ++lane) rest[lane] = values[i + lane];
+  rest = decibels<lanes>(rest);
+  for (std::size_t lane = 0; i + lane < count; ++lane) values[i + lane] = rest[lane];
+}
+
+/// A kernel's functions; see LevelKernel.
 template <int lanes>
 struct LevelKernelBody {
   static void levels(double* hartley, std::size_t length, const LevelScale& scale) noexcept {
@@ -50,7 +60,9 @@ struct LevelKernelBody {
     }
   }
 
-  static constexpr LevelKernel kernel(const char* name) noexcept { return {name, levels}; }
+  static void decibelsOf(double* values, std::size_t count) noexcept { fillDecibels<lanes>(values, count); }
+
+  static constexpr LevelKernel kernel(const char* name) noexcept { return {name, levels, decibelsOf}; }
 };
 
 }  // namespace av::dsp

@@ -19,11 +19,10 @@ HartleyTwiddle twiddle(int k, int length, int span) {
 
 Radix4Hartley::Radix4Hartley(std::span<const HartleyKernel* const> kernels) : m_plan(maxLength, kernels) {}
 
-void Radix4Hartley::transform(std::span<double, bufferLength> buffer, int length) noexcept {
+void Radix4Hartley::prepare(int length) noexcept {
   assert(length >= 0 && length <= maxLength);
-  if (length != m_length) m_plan.prepare({length, false, twiddle});
+  m_plan.prepare({length, false, twiddle});
   m_length = length;
-  m_plan.transform(buffer.data());
 }
 
 }  // namespace av::dsp

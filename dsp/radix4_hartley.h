@@ -26,11 +26,17 @@ class Radix4Hartley {
   /// Reserves the tables of the largest length. Throws std::bad_alloc. The bits are the same with all `kernels`.
   explicit Radix4Hartley(std::span<const HartleyKernel* const> kernels = hartleyKernels());
 
-  /// Transforms the first `length` elements (0 to 48000) in place; allocates nothing. Elements beyond them take part
+  /// Transforms the first `length` elements (0 to 48000) in place, multiplied by `window` (so many weights) if that is not
+  /// empty; allocates nothing. Elements beyond them take part
   /// where a stage's last block reaches that far: they go in as they are and come out changed.
-  void transform(std::span<double, bufferLength> buffer, int length) noexcept;
+  void transform(std::span<double, bufferLength> buffer, int length, std::span<const double> window = {}) noexcept {
+    if (length != m_length) prepare(length);
+    m_plan.transform(buffer.data(), window);
+  }
 
  private:
+  void prepare(int length) noexcept;
+
   int m_length = 0;
   HartleyPlan m_plan;
 };

@@ -30,7 +30,7 @@ ARROWS = {
     "companion": ["host", "ole", "runtime", "wave", "generated"],
 }
 for control in ("type1", "type2", "type3"):
-    ARROWS[control] = ["dsp", "gfx", "common"]
+    ARROWS[control] = ["simd", "dsp", "gfx", "common"]
     ARROWS[control + "/win"] = [control, "common", "common/win", "gfx", "gfx/win", "ole", "generated"]
 
 PORTABLE = {"simd", "dsp", "gfx", "common", "wave", "type1", "type2", "type3", "player"}

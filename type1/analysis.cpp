@@ -51,8 +51,12 @@ void ViewAnalysis::storeFormat(const AudioFormatBlock& header, ViewSettings& set
   m_format = streamFormatOf(header);
   m_channelCount = std::min<int>(header.nChannels, maxChannels);
   m_sampleRateHz = header.nSamplesPerSec;
-  m_fullScale = fullScaleValue(header.wBitsPerSample);
-  settings.dynamicRangeDb = dynamicRangeDb(m_fullScale);
+  const double fullScale = fullScaleValue(header.wBitsPerSample);
+  if (fullScale != m_fullScale) {
+    m_fullScale = fullScale;
+    m_fullScaleDb = dynamicRangeDb(fullScale);
+  }
+  settings.dynamicRangeDb = m_fullScaleDb;
 }
 
 /// Depths that cannot be decoded leave the arrays as earlier blocks left them; the analysis goes on with those.
@@ -69,8 +73,7 @@ void ViewAnalysis::analyseSpectra(int windowType) noexcept {
   for (int channel = 0; channel < m_channelCount; ++channel) {
     const std::span<double> values = m_slots.analysis(channel);
     if (values.empty()) continue;
-    m_tables->window.apply(windowType, values);
-    m_tables->transform.transform(values);
+    m_tables->transform.transform(values, m_tables->window.weights(windowType, values.size()));
     dsp::hartleyBinsToLevels(values, m_fullScale);
   }
 }

@@ -74,6 +74,7 @@ class ViewAnalysis {
   ChannelSlots m_slots;
   std::unique_ptr<Tables> m_tables;
   StreamFormat m_format;
+  double m_fullScaleDb = ViewSettings().dynamicRangeDb;  ///< the dynamic range of `m_fullScale`
   // The drawing reads these while a block may be changing them.
   Relaxed<int> m_channelCount = 2;  ///< channels in use: those of the last accepted block, at most maxChannels
   Relaxed<std::uint32_t> m_sampleRateHz = std::uint32_t{44100};

@@ -6,7 +6,6 @@
 #include "type2/band_fold.h"
 
 #include <algorithm>
-#include <cmath>
 #include <span>
 
 namespace av::type2 {
@@ -19,12 +18,6 @@ constexpr bool isMeteredDepth(int bitsPerSample) noexcept {
 
 }  // namespace
 
-int analysisLength(std::int32_t frames) noexcept {
-  if (frames <= 0) return 0;
-  const double counted = std::min(frames, dsp::Radix4Hartley::maxLength);
-  return static_cast<int>(std::pow(4.0, std::log(counted) / std::log(4.0)));
-}
-
 MeterAnalysis::MeterAnalysis(LineList& lines) : m_lines(lines) {}
 
 auto MeterAnalysis::accept(const AudioBlock& block, MeterSettings& settings, std::uint32_t nowMs) noexcept -> Outcome {
@@ -34,7 +27,11 @@ auto MeterAnalysis::accept(const AudioBlock& block, MeterSettings& settings, std
 
   m_format = streamFormatOf(header);
   m_hasData = true;
-  const int length = analysisLength(*frames);
+  if (*frames != m_frames) {
+    m_frames = *frames;
+    m_length = analysisLength(*frames);
+  }
+  const int length = m_length;
   settings.fftWindowSize = length;
   if (length < m_lines.count()) {
     m_lines.ResetLines(nowMs);
@@ -50,13 +47,12 @@ void MeterAnalysis::analyse(const AudioBlock& block, const MeterSettings& settin
   const std::span<double> values = buffer.first(length);
   const int bits = block.format.wBitsPerSample;
   if (isMeteredDepth(bits)) mixToMono(block, EightBitRule::signedAsStored, values);
-  m_window.apply(settings.fftWindowType, values);
-  m_transform.transform(buffer, static_cast<int>(length));
+  m_transform.transform(buffer, static_cast<int>(length), m_window.weights(settings.fftWindowType, length));
   dsp::hartleyBinsToLevels(values, fullScaleValue(bits), emptyLineValue);
 
   const auto levels = values.first(std::max<std::size_t>(length / 2, 1));
   const BandLayout layout = bandLayout(settings.fftViewType, settings.alignmentY);
-  m_lines.withLines([&](std::span<LineInfo> lines) { foldBands(layout, levels, lines, nowMs); });
+  m_lines.withLines([&](std::span<LineInfo> lines) { foldBands(layout, levels, lines, nowMs, m_bandRatio); });
 }
 
 void MeterAnalysis::clear(std::uint32_t nowMs) noexcept {

@@ -6,6 +6,8 @@
 #include "common/stream_format.h"
 #include "dsp/centred_windows.h"
 #include "dsp/radix4_hartley.h"
+#include "type2/analysis_length.h"
+#include "type2/band_ratio.h"
 #include "type2/settings.h"
 
 #include <array>
@@ -13,12 +15,6 @@
 #include <memory>
 
 namespace av::type2 {
-
-/// How many of a block's frames are analysed: 4 to the power of ln F / ln 4, in double precision, truncated. That is F
-/// itself for most F and F − 1 for some (1100 gives 1099), and which of the two is up to the last bits of the build's
-/// own pow and log; it is not rounded to a power of four, on purpose. 0 for 0 frames and fewer; blocks of more than
-/// 48000 frames count as 48000.
-int analysisLength(std::int32_t frames) noexcept;
 
 /// The data side of the level meter: turns blocks into the values of the lines.
 ///
@@ -65,6 +61,9 @@ class MeterAnalysis {
       std::make_unique<Buffer>();  ///< samples, their transform and their levels, in place
   dsp::CentredWindow m_window{Transform::maxLength};
   Transform m_transform;
+  std::int32_t m_frames = 0;  ///< of the last block
+  int m_length = 0;           ///< the analysis length of so many frames
+  BandRatio m_bandRatio;
 };
 
 }  // namespace av::type2

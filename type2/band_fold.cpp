@@ -1,7 +1,6 @@
 #include "type2/band_fold.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <limits>
 
@@ -11,8 +10,12 @@ namespace {
 /// The levels from bin 1 to bin M, and what becomes of the lines.
 class Fold {
  public:
-  Fold(std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs) noexcept
-      : m_levels(levels), m_lines(lines), m_nowMs(nowMs), m_lastBin(static_cast<int>(levels.size()) - 1) {}
+  Fold(std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs, BandRatio& ratio) noexcept
+      : m_levels(levels),
+        m_lines(lines),
+        m_nowMs(nowMs),
+        m_ratio(ratio),
+        m_lastBin(static_cast<int>(levels.size()) - 1) {}
 
   void linear() const {
     const double step = lastBin() / lineCount();
@@ -27,13 +30,13 @@ class Fold {
   }
 
   void logarithmic() const {
-    const double ratio = std::pow(lastBin(), 1.0 / (lineCount() - 1.0));
+    const double ratio = m_ratio.of(m_lastBin, lines(), 1);
     write(0, level(1));
     for (int i = 1; i < lines(); ++i) write(i, logarithmicBand(ratio, i));
   }
 
   void logarithmicMirrored() const {
-    const double ratio = std::pow(lastBin(), 2.0 / (lineCount() - 1.0));
+    const double ratio = m_ratio.of(m_lastBin, lines(), 2);
     writeBothSides(0, level(1));
     for (int i = 1; i < half(); ++i) writeBothSides(i, logarithmicBand(ratio, i));
   }
@@ -52,7 +55,13 @@ class Fold {
   /// Mean of `count` bins from `first` upward; no number for a count of 0.
   double meanUpward(int first, int count) const noexcept {
     double sum = 0.0;
-    for (int i = 0; i < count; ++i) sum += level(first + i);
+    if (first + count <= m_lastBin) {
+      const std::span<const double> bins =
+          m_levels.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(count));
+      for (const double bin : bins) sum += bin;
+    } else {
+      for (int i = 0; i < count; ++i) sum += level(first + i);
+    }
     return sum / count;
   }
 
@@ -89,6 +98,7 @@ class Fold {
   std::span<const double> m_levels;
   std::span<LineInfo> m_lines;
   std::uint32_t m_nowMs;
+  BandRatio& m_ratio;
   int m_lastBin;
 };
 
@@ -103,9 +113,10 @@ BandLayout bandLayout(std::int32_t fftViewType, std::int32_t alignmentY) noexcep
   }
 }
 
-void foldBands(BandLayout layout, std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs) {
+void foldBands(BandLayout layout, std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs,
+               BandRatio& ratio) {
   if (lines.empty()) return;
-  const Fold fold(levels, lines, nowMs);
+  const Fold fold(levels, lines, nowMs, ratio);
   if (levels.size() < 2) return fold.nothing();
   switch (layout) {
     case BandLayout::linear: return fold.linear();

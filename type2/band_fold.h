@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/line_list.h"
+#include "type2/band_ratio.h"
 
 #include <cstdint>
 #include <span>
@@ -23,6 +24,7 @@ BandLayout bandLayout(std::int32_t fftViewType, std::int32_t alignmentY) noexcep
 ///
 /// A band is the mean of the levels of its bins, in dB. Where a linear layout has more lines than levels, a band has no
 /// bin at all and its mean is no number; such a value is written as it is, and so are all bands when there is no level.
-void foldBands(BandLayout layout, std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs);
+void foldBands(BandLayout layout, std::span<const double> levels, std::span<LineInfo> lines, std::uint32_t nowMs,
+               BandRatio& ratio);
 
 }  // namespace av::type2

@@ -1,17 +1,24 @@
 #include "type3/column_heights.h"
 
+#include "dsp/level_kernel.h"
 #include "gfx/saturate.h"
+#include "simd/decibels.h"
 
 #include <algorithm>
-#include <cmath>
+#include <array>
 #include <cstddef>
 
 namespace av::type3 {
 namespace {
 
-double levelDb(double band, std::int32_t fftLength) noexcept {
-  const auto relative = static_cast<float>(band / fftLength * 2.0);
-  const auto logarithm = static_cast<float>(std::log10(static_cast<double>(relative)));
+/// What a level is the logarithm of.
+double relativeAmplitude(double band, std::int32_t fftLength) noexcept {
+  return static_cast<float>(band / fftLength * 2.0);
+}
+
+/// The level of a relative amplitude that is so many decibels of power.
+double levelDb(double decibels) noexcept {
+  const auto logarithm = static_cast<float>(decibels / 10.0);
   return 20.0 * static_cast<double>(logarithm);
 }
 
@@ -23,23 +30,51 @@ int wholeSegments(int heightPx, const AnalyserSettings& settings) noexcept {
   return segments > 0 ? clampToInt(segments * pitch - settings.spotIntervalPx) : 0;
 }
 
+/// The height of a level on the way from amplitudes to heights; see columnHeightPx.
+class Heights {
+ public:
+  Heights(const AnalyserSettings& settings, int areaHeightPx) noexcept
+      : m_settings(settings),
+        m_bottomDb(-static_cast<double>(settings.scaleYMax)),
+        m_topDb(-static_cast<double>(settings.scaleYMin)),
+        m_rangeDb(static_cast<double>(settings.scaleYMax) - settings.scaleYMin),
+        m_areaHeightPx(areaHeightPx) {}
+
+  /// `decibels`: of the band's relative amplitude, or anything where the band is not above zero.
+  int of(double band, double decibels) const noexcept {
+    if (!(m_rangeDb > 0)) return 0;
+    const double level = band > 0 ? levelDb(decibels) : m_bottomDb;
+    const int halves = m_settings.alignmentY != 0 ? 2 : 1;
+    const int q = truncToInt((std::clamp(level, m_bottomDb, m_topDb) - m_bottomDb) / halves);
+    return wholeSegments(truncToInt(q / m_rangeDb * m_areaHeightPx), m_settings);
+  }
+
+ private:
+  const AnalyserSettings& m_settings;
+  double m_bottomDb;
+  double m_topDb;
+  double m_rangeDb;
+  int m_areaHeightPx;
+};
+
 }  // namespace
 
 int columnHeightPx(double band, const AnalyserSettings& settings, std::int32_t fftLength, int areaHeightPx) noexcept {
-  const double topDb = -static_cast<double>(settings.scaleYMin);
-  const double bottomDb = -static_cast<double>(settings.scaleYMax);
-  const double rangeDb = static_cast<double>(settings.scaleYMax) - settings.scaleYMin;
-  if (!(rangeDb > 0)) return 0;
-  const double level = band > 0 ? levelDb(band, fftLength) : bottomDb;
-  const int halves = settings.alignmentY != 0 ? 2 : 1;
-  const int q = truncToInt((std::clamp(level, bottomDb, topDb) - bottomDb) / halves);
-  return wholeSegments(truncToInt(q / rangeDb * areaHeightPx), settings);
+  return Heights(settings, areaHeightPx).of(band, decibels(relativeAmplitude(band, fftLength)));
 }
 
 void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,
                         std::int32_t fftLength, int areaHeightPx, std::uint32_t nowMs) noexcept {
-  for (std::size_t i = 0; i < std::min(columns.size(), bands.size()); ++i)
-    writeLine(columns[i], columnHeightPx(bands[i], settings, fftLength, areaHeightPx), nowMs);
+  const Heights heights(settings, areaHeightPx);
+  const dsp::LevelKernel& kernel = *dsp::levelKernels().front();
+  std::array<double, 64> levels;
+  const std::size_t count = std::min(columns.size(), bands.size());
+  for (std::size_t first = 0; first < count; first += levels.size()) {
+    const std::span<const double> some = bands.subspan(first, std::min(count - first, levels.size()));
+    for (std::size_t i = 0; i < some.size(); ++i) levels[i] = relativeAmplitude(some[i], fftLength);
+    kernel.decibels(levels.data(), some.size());
+    for (std::size_t i = 0; i < some.size(); ++i) writeLine(columns[first + i], heights.of(some[i], levels[i]), nowMs);
+  }
 }
 
 void moveColumns(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,

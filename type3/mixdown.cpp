@@ -1,9 +1,9 @@
 #include "type3/mixdown.h"
 
 #include "common/mono_mix.h"
+#include "common/sample_scale.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 
@@ -33,7 +33,7 @@ double mixDown(const AudioBlock& block, std::span<double> mono) noexcept {
     mixToMono(block, EightBitRule::invertedUnsigned, mono);
   }
   const bool needsFrames = bits == 8 || bits == 24;
-  return needsFrames && taken == 0 ? 0.0 : std::ldexp(1.0, bits - 1);
+  return needsFrames && taken == 0 ? 0.0 : powerOfTwo(bits - 1);
 }
 
 }  // namespace av::type3

@@ -21,7 +21,8 @@ constexpr BandLayout layouts[] = {BandLayout::linear, BandLayout::linearMirrored
 std::vector<double> fold(BandLayout layout, const std::vector<double>& levels, std::size_t lineCount) {
   std::vector<LineInfo> lines(lineCount);
   for (LineInfo& line : lines) line.value = 1234.5;  // every line has to be written
-  foldBands(layout, levels, lines, 7);
+  BandRatio ratio;
+  foldBands(layout, levels, lines, 7, ratio);
   std::vector<double> values;
   for (const LineInfo& line : lines) values.push_back(line.value);
   return values;
@@ -150,7 +151,8 @@ TEST(BandFold, RaisesPeaksThatItExceedsAndLeavesOthers) {
   std::vector<LineInfo> lines(3);
   lines[1].peak = 500.0;
   lines[1].peakTime = 3;
-  foldBands(BandLayout::linear, positions(300), lines, 4711);
+  BandRatio ratio;
+  foldBands(BandLayout::linear, positions(300), lines, 4711, ratio);
   EXPECT_EQ(lines[0], (LineInfo{1000, 50.5, 50.5, 4711}));
   EXPECT_EQ(lines[1], (LineInfo{1000, 150.5, 500.0, 3}));
   EXPECT_EQ(lines[2], (LineInfo{1000, 250.5, 250.5, 4711}));
@@ -158,7 +160,8 @@ TEST(BandFold, RaisesPeaksThatItExceedsAndLeavesOthers) {
 
 TEST(BandFold, WritesTheCentreOfAnOddMirroredLayoutTwiceWithTheSameValue) {
   std::vector<LineInfo> lines(3);
-  foldBands(BandLayout::logarithmicMirrored, std::vector<double>{0, -10, -20, -30}, lines, 1);
+  BandRatio ratio;
+  foldBands(BandLayout::logarithmicMirrored, std::vector<double>{0, -10, -20, -30}, lines, 1, ratio);
   EXPECT_EQ(lines[1], (LineInfo{1000, -10.0, -10.0, 1}));
 }
 
