@@ -3,7 +3,7 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo player player-picture docs test test-full test-x86 build bench fuzz coverage lint format clean
+.PHONY: help demo player player-picture docs test test-full test-x86 build package bench fuzz coverage lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
@@ -17,6 +17,7 @@ help:
 	@echo "make test-full  all tests, the 32-bit ones too"
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
 	@echo "make build      the 64-bit and the 32-bit libraries: build/x64/bin, build/x86/bin"
+	@echo "make package    one zip and one installer: build/package"
 	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
 	@echo "make fuzz       every fuzzer for FUZZ_SECONDS (60), or for FUZZ_RUNS inputs: a table"
 	@echo "make coverage   line and branch coverage of the portable core"
@@ -29,12 +30,16 @@ build:
 	@tools/build x64 QELAudioVisualization4 AudioBlocks
 	@tools/build x86 QELAudioVisualization4 AudioBlocks
 
+package:
+	@tools/bootstrap.sh build package
+	@tools/package
+
 test:
 	@tools/bootstrap.sh build test
 	@tools/run-tests quick
 
 test-full:
-	@tools/bootstrap.sh build test test-full
+	@tools/bootstrap.sh build test test-full package
 	@tools/run-tests full
 
 test-x86:

@@ -23,6 +23,8 @@ if(AV_COVERAGE)
   target_link_options(av_options INTERFACE --coverage)
 endif()
 if(WIN32)
+  # Without the time of linking, so that one commit gives the same bytes whenever and wherever it is built.
+  target_link_options(av_options INTERFACE -Wl,--no-insert-timestamp)
   # Windows 7 interfaces and wide functions throughout.
   target_compile_definitions(av_options INTERFACE
     UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN STRICT WINVER=0x0601 _WIN32_WINNT=0x0601 _WIN32_IE=0x0800)
