@@ -79,7 +79,7 @@ WavRecording generatedTones() {
   constexpr double turn = 6.283185307179586 / sampleRateHz;
   WavRecording recording;
   recording.channels = 2;
-  recording.bitsPerSample = 16;
+  recording.bitsPerSample = recording.fileBitsPerSample = 16;
   recording.sampleRateHz = sampleRateHz;
   const WAVEFORMATEX format = {WAVE_FORMAT_PCM, 2, sampleRateHz, sampleRateHz * 4, 4, 16, 0};
   recording.format.resize(sizeof format);

@@ -9,13 +9,15 @@
 
 namespace avdemo {
 
-/// A PCM recording taken out of a WAV file: integer samples of 8, 16, 24 or 32 bits, 1 to 18 channels.
+/// A recording taken out of a WAV file, as samples that every control reads: integers of 8, 16 or 32 bits, 1 to 18
+/// channels.
 struct WavRecording {
   std::uint16_t channels = 0;
-  std::uint16_t bitsPerSample = 0;
+  std::uint16_t bitsPerSample = 0;      ///< of the samples here: 24 bits and floating point are 32 bits now
+  std::uint16_t fileBitsPerSample = 0;  ///< of those in the file
   std::uint32_t sampleRateHz = 0;
-  /// The wave format as it stands in the file, at least the 18 bytes of the standard header (a 16-byte one is completed
-  /// with a zero extension size), at most 180.
+  /// The wave format of the samples: as it stands in the file, at least the 18 bytes of the standard header and at most
+  /// 180, where the samples are those of the file; otherwise that of plain PCM.
   std::vector<std::uint8_t> format;
   /// Interleaved samples, a whole number of frames and at least one.
   std::vector<std::uint8_t> samples;
@@ -32,9 +34,7 @@ struct WavResult {
   std::string problem;
 };
 
-/// Reads a WAV file's bytes. Chunks that are neither "fmt " nor "data" are skipped wherever they stand. A data chunk
-/// that claims more than there is gives what there is, and so does the size that streaming writers leave open
-/// (0xFFFFFFFF, or 0 under a RIFF size that does not fit the file either). A trailing partial frame is cut off.
+/// Reads a WAV file's bytes, as av::wave::readHeader describes it; a file without a whole frame is refused too.
 WavResult readWav(std::span<const std::uint8_t> file);
 
 }  // namespace avdemo

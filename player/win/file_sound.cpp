@@ -31,7 +31,7 @@ std::wstring describe(const avdemo::WavRecording& recording) {
   const std::wstring channels = recording.channels == 1   ? L"mono"
                                 : recording.channels == 2 ? L"stereo"
                                                           : std::to_wstring(recording.channels) + L" channels";
-  return std::wstring(rate) + L", " + std::to_wstring(recording.bitsPerSample) + L" bits, " + channels;
+  return std::wstring(rate) + L", " + std::to_wstring(recording.fileBitsPerSample) + L" bits, " + channels;
 }
 
 FileSound read(const fs::path& path) {

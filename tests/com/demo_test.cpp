@@ -176,7 +176,7 @@ TEST_F(Demo, AnswersEveryFileThatIsNoRecordingWithOneLineAndExitCode2) {
   writeFile(folder / L"empty.wav", {});
   const std::string text = "Just some text, long enough to hold a header, were it one. It is not, though.";
   writeFile(folder / L"text.wav", {text.begin(), text.end()});
-  writeFile(folder / L"float.wav", sineFile(2, 32, 3));
+  writeFile(folder / L"alaw.wav", sineFile(2, 8, 6));
   writeFile(folder / L"none.wav", sineFile(0, 16));
   writeFile(folder / L"many.wav", sineFile(19, 16));
   fs::create_directory(folder / L"folder.wav");
@@ -184,7 +184,7 @@ TEST_F(Demo, AnswersEveryFileThatIsNoRecordingWithOneLineAndExitCode2) {
       {L"missing.wav", "missing.wav: no such file"},
       {L"empty.wav", "empty.wav: the file is empty"},
       {L"text.wav", "text.wav: not a WAV file"},
-      {L"float.wav", "float.wav: floating-point samples"},
+      {L"alaw.wav", "alaw.wav: samples in format 0x0006"},
       {L"none.wav", "none.wav: the header says 0 channels"},
       {L"many.wav", "many.wav: 19 channels"},
       {L"folder.wav", "folder.wav: a folder"},
