@@ -65,6 +65,16 @@ class Claims(unittest.TestCase):
             self.assertIn(text, found)
 
 
+    def test_members_of_the_companion_have_to_be_told_of(self):
+        companion = [{"name": "Maker", "kind": "class", "parts": [{"name": "IMaker", "source": False, "default": True}]},
+                     {"name": "IMaker", "kind": "dual",
+                      "members": [accessor("Make", "method"), accessor("MakeAll", "method")]}]
+        types = library.Types({"libraries": [[], companion]})
+        self.assertEqual(list(reference.untold(types, "`Make(Number)` makes one, `MakeAll` all.")), [])
+        self.assertEqual(list(reference.untold(types, "MakeAll and `MakeAll`")),
+                         ["docs/companion.md says nothing of Maker.Make"])
+
+
 class Pages(unittest.TestCase):
     def test_stale_pages_and_pictures_too_few_or_too_many_are_told(self):
         with tempfile.TemporaryDirectory() as folder:

@@ -1,5 +1,5 @@
-// Prints what the type library and the running controls say of themselves, as JSON:
-//   describe_controls TYPE_LIBRARY [STEPS]
+// Prints what type libraries and the running controls say of themselves, as JSON:
+//   describe_controls TYPE_LIBRARY[;TYPE_LIBRARY ...] [STEPS]
 // STEPS is a text file. Each line is run on a fresh control: its class, then steps, all separated by tabs. A step is
 // NAME=VALUE (a put) or NAME (a get); see demo/named_properties.h. The reference pages are made from this, and checked.
 
@@ -15,6 +15,8 @@
 #include <cstdio>
 #include <fstream>
 #include <map>
+#include <sstream>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -67,9 +69,12 @@ std::string answersToAll(const wchar_t* file) {
 
 int run(int argc, wchar_t** argv) {
   const avhost::Apartment apartment;
-  const std::string types = av::json::typeLibrary(argv[1]);
+  std::wstringstream paths(argv[1]);
+  std::string types;
+  for (std::wstring path; std::getline(paths, path, L';');)
+    types += (types.empty() ? "" : ", ") + av::json::typeLibrary(path.c_str());
   const std::string answers = argc > 2 ? answersToAll(argv[2]) : "[]";
-  std::printf("{\n  \"types\": %s,\n  \"buttonFace\": %s,\n  \"answers\": %s\n}\n", types.c_str(),
+  std::printf("{\n  \"libraries\": [%s],\n  \"buttonFace\": %s,\n  \"answers\": %s\n}\n", types.c_str(),
               quoted(hex(GetSysColor(COLOR_BTNFACE))).c_str(), answers.c_str());
   return 0;
 }
@@ -78,7 +83,7 @@ int run(int argc, wchar_t** argv) {
 
 int wmain(int argc, wchar_t** argv) {
   if (argc < 2 || argc > 3) {
-    std::fprintf(stderr, "usage: describe_controls TYPE_LIBRARY [STEPS]\n");
+    std::fprintf(stderr, "usage: describe_controls TYPE_LIBRARY[;TYPE_LIBRARY ...] [STEPS]\n");
     return 2;
   }
   try {

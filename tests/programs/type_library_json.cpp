@@ -62,6 +62,7 @@ std::wstring typeName(ITypeInfo& info, const TYPEDESC& type) {
     case VT_I4: return L"long";
     case VT_UI4: return L"unsigned long";
     case VT_R4: return L"float";
+    case VT_R8: return L"double";
     case VT_BOOL: return L"VARIANT_BOOL";
     case VT_BSTR: return L"BSTR";
     case VT_VARIANT: return L"VARIANT";

@@ -11,13 +11,16 @@ INVALID_ARGUMENT = "0x80070057"
 MEMBER_NOT_FOUND = "0x80020003"
 
 
+CONTROLS, COMPANION = "QELAudioVisualization4.tlb", "AudioBlocks.tlb"
+
+
 def describe(folder, lines):
-    """The type library beside the DLL in `folder`, and what fresh controls answer to the steps of each line."""
+    """The type libraries in `folder`, and what fresh controls answer to the steps of each line."""
     with tempfile.TemporaryDirectory(dir=folder) as place:
         steps = pathlib.Path(place) / "steps.txt"
         steps.write_text("".join("\t".join(line) + "\n" for line in lines))
-        command = [ROOT / "tools/wine-run", "x64", folder / "describe_controls.exe",
-                   folder / "QELAudioVisualization4.tlb", steps]
+        libraries = ";".join(str(folder / name) for name in (CONTROLS, COMPANION))
+        command = [ROOT / "tools/wine-run", "x64", folder / "describe_controls.exe", libraries, steps]
         run = subprocess.run([str(part) for part in command], capture_output=True, check=False)
     if run.returncode:
         raise SystemExit(f"describe_controls failed ({run.returncode}): {run.stderr.decode()}")
@@ -42,7 +45,11 @@ class Types:
     """The types of a description, by name."""
 
     def __init__(self, description):
-        self.by_name = {entry["name"]: entry for entry in description["types"]}
+        self.by_name = {entry["name"]: entry for library in description["libraries"] for entry in library}
+        self.companion = description["libraries"][1]
+
+    def classes_of_companion(self):
+        return [entry["name"] for entry in self.companion if entry["kind"] == "class"]
 
     def interface_of(self, class_name, source=False):
         """The default interface of a class, or its event interface; None where it has none."""

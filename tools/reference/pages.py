@@ -164,6 +164,36 @@ def methods_page(interface, prose):
            f"{table(rows)}\n{prose['text'].strip()}\n"
 
 
+def members_table(members):
+    """A row for each name; get and put share theirs."""
+    rows = {}
+    for member in members:
+        rows.setdefault(member["name"], []).append(member)
+    table_rows = [["Member", "Kind", "DISPID", "Slots", "What it does"]]
+    for name, forms in rows.items():
+        first = forms[0]
+        result = next((part["type"].removesuffix("*") for part in first["parameters"] if part["way"] == "result"), "")
+        inputs = ", ".join(f"{part['type']} {part['name']}" for part in first["parameters"] if part["way"] == "in")
+        shown_name = name + (f"({inputs})" if inputs or first["kind"] == "method" else "")
+        kinds = "/".join(form["kind"] for form in forms)
+        table_rows.append([f"`{shown_name}`" + (f" → `{result}`" if result else ""), kinds, str(first["id"]),
+                           ", ".join(str(form["slot"]) for form in forms), first["help"]])
+    return table(table_rows)
+
+
+def companion_page(types, prose):
+    """The classes of the companion library with their interfaces."""
+    text = f"{GENERATED}\n# {prose['title']}\n\n{prose['intro'].strip()}\n\n"
+    for name in types.classes_of_companion():
+        interface = types.interface_of(name)
+        text += f"## {name}\n\n*{types.by_name[name]['help']}*\n\n"
+        text += table([["Class identifier", f"`{types.by_name[name]['guid']}`"],
+                       ["Interface", f"`{interface['name']}`, derived from `{interface['base']}`"],
+                       ["Interface identifier", f"`{interface['guid']}`"]])
+        text += f"\n{interface['help']}\n\n{members_table(interface['members'])}\n"
+    return text.rstrip() + "\n"
+
+
 def events_page(interface, prose):
     rows = [["Event", "DISPID", "When"]]
     for member in interface["members"]:

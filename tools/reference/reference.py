@@ -1,6 +1,7 @@
 """The reference as it would be made now, and what speaks against it."""
 
 import pathlib
+import re
 import tomllib
 
 from . import control_data, library, pages
@@ -28,6 +29,7 @@ class Reference:
             yield from control_data.structure_problems(data, self.types.properties_of(data["class"]))
         if len(self.answers) != len(self.trials):
             yield f"{len(self.trials)} claims, {len(self.answers)} answers"
+        yield from untold(self.types, (ROOT / "docs/companion.md").read_text())
         for trial, answers in zip(self.trials, self.answers):
             complaint = trial.expect(answers, description) if answers else f"{trial.line}: no control"
             if complaint:
@@ -39,6 +41,7 @@ class Reference:
         made = {f"{data['page']}.md": pages.control_page(data, self.types, refusals) for data in self.controls}
         made["common.md"] = pages.methods_page(self.types.by_name["IAudioVisualizationTemplate"], self.prose["common"])
         events = self.types.interface_of(self.controls[0]["class"], source=True)
+        made["companion.md"] = pages.companion_page(self.types, self.prose["companion"])
         made["events.md"] = pages.events_page(events, self.prose["events"])
         return made
 
@@ -55,6 +58,14 @@ class Reference:
                     steps = [*data.get("base", []), *entry.get("base", []), *puts, *data.get("after", [])]
                     drawn[file] = "\t".join([file[:-4], data["page"], data["size"], *steps])
         return drawn
+
+
+def untold(types, text):
+    """Members of the companion that its page, written by hand, says nothing of."""
+    for name in types.classes_of_companion():
+        for member in types.interface_of(name)["members"]:
+            if not re.search(rf"`{member['name']}\b", text):
+                yield f"docs/companion.md says nothing of {name}.{member['name']}"
 
 
 def stale(made, pictures, reference=REFERENCE, images=IMAGES):
