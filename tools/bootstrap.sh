@@ -1,11 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a job needs and this machine lacks:  tools/bootstrap.sh GROUP [GROUP ...]
-<<<<<<< HEAD
-# Groups: build test test-full demo player player-picture docs bench fuzz lint coverage x86. Nothing is asked of apt when
-# nothing is missing.
-=======
-# Groups: build test test-full demo docs bench package lint coverage x86. Nothing is asked of apt when nothing is missing.
->>>>>>> 938205b (Make a zip and an installer of the libraries)
+# Groups: build test test-full demo player player-picture docs bench package fuzz lint coverage x86. Nothing is asked of
+# apt when nothing is missing.
 # As root, or with sudo at hand, it installs; otherwise it prints the one line to run and fails.
 set -u
 
@@ -22,11 +18,8 @@ packagesOf() {
     player) echo wine wine64 fonts-liberation ;;
     player-picture) echo xvfb ;;
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
-<<<<<<< HEAD
-    fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
-=======
     package) echo msitools wixl faketime python3 ;;
->>>>>>> 938205b (Make a zip and an installer of the libraries)
+    fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
     x86) echo debootstrap ;;
