@@ -22,7 +22,8 @@ constexpr IID frameDataId = {0x9B7FEC49, 0x99A8, 0x4FEF, {0xA9, 0xE2, 0x38, 0xE1
 #define RESERVED(slot) \
   virtual HRESULT STDMETHODCALLTYPE reserved##slot() { return E_NOTIMPL; }
 
-// clang-format off: it takes rows of slots for one declaration
+// (The formatter takes rows of slots for one declaration.)
+// clang-format off
 class FrameData final : public IUnknown {
  public:
   FrameData(const WAVEFORMATEX& format, void* samples, LONG bytes)
