@@ -3,7 +3,8 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo player player-picture docs test test-full test-x86 build package bench fuzz coverage lint format clean
+.PHONY: help demo player player-picture docs test test-full test-x86 build package bench fuzz coverage check-samples \
+        lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
@@ -21,6 +22,7 @@ help:
 	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
 	@echo "make fuzz       every fuzzer for FUZZ_SECONDS (60), or for FUZZ_RUNS inputs: a table"
 	@echo "make coverage   line and branch coverage of the portable core"
+	@echo "make check-samples  compiles the samples in other languages, as far as Debian can"
 	@echo "make lint       formatting, clang-tidy, shell scripts, include arrows"
 	@echo "make format     formats the sources"
 	@echo "make clean      removes build/"
@@ -78,6 +80,10 @@ fuzz:
 coverage:
 	@tools/bootstrap.sh coverage
 	@tools/coverage
+
+check-samples:
+	@tools/bootstrap.sh samples
+	@tools/check-samples
 
 lint:
 	@tools/bootstrap.sh build lint

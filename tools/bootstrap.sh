@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian packages that a job needs and this machine lacks:  tools/bootstrap.sh GROUP [GROUP ...]
-# Groups: build test test-full demo player player-picture docs bench package fuzz lint coverage x86. Nothing is asked of
-# apt when nothing is missing.
+# Groups: build test test-full demo player player-picture docs bench package fuzz lint coverage samples x86.
+# Nothing is asked of apt when nothing is missing.
 # As root, or with sudo at hand, it installs; otherwise it prints the one line to run and fails.
 set -u
 
@@ -22,6 +22,8 @@ packagesOf() {
     fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
+    samples) echo mono-mcs libmono-system-windows-forms4.0-cil libmono-system-drawing4.0-cil \
+                  libmono-microsoft-csharp4.0-cil fp-compiler fpc-source python3 ;;
     x86) echo debootstrap ;;
     *) echo "bootstrap: unknown group $1" >&2; return 1 ;;
   esac
