@@ -14,7 +14,12 @@ class Library(NamedTuple):
     idl: str
 
 
-LIBRARIES = [Library("QELAudioVisualization4", "module", "idl/QELAudioVisualization4.idl")]
+LIBRARIES = [
+    Library("QELAudioVisualization4", "module", "idl/QELAudioVisualization4.idl"),
+    Library("AudioBlocks", "companion", "idl/AudioBlocks.idl"),
+]
+# Manifests beside those that bear a library's name.
+_OTHER_MANIFESTS = ["QELAudioVisualization4.ProgIds.manifest"]
 
 # Documents, and what they show. Anything else that lies in these folders stays at home.
 _DOCUMENTS = (".md", ".png", ".svg")
@@ -37,6 +42,8 @@ def files(root):
                 found[f"bin/{arch}/{library.name}.{extension}"] = root / f"build/{arch}/bin/{library.name}.{extension}"
         for name in (f"{library.name}.h", f"{library.name}_i.c"):
             found[f"include/{name}"] = root / "build/x64/idl/generated" / name
+    for arch in ARCHITECTURES:
+        found.update({f"bin/{arch}/{name}": root / f"build/{arch}/bin/{name}" for name in _OTHER_MANIFESTS})
     found["include/automation_types.h"] = root / "idl/automation_types.h"
     for path in sorted((root / "idl").glob("*.idl")):
         found[f"idl/{path.name}"] = path

@@ -70,11 +70,12 @@ def read_type_library(path):
 
 
 def read_object_map(path):
-    """(class name, friendly name) pairs of module.cpp's object map, in the order of registering."""
-    pairs = re.findall(r'\{&CLSID_(\w+),\s*L"([^"]+)"', pathlib.Path(path).read_text(encoding="utf-8"))
-    if not pairs:
-        raise ValueError(f"{path}: no object map")
-    return pairs
+    """(class name, friendly name, ProgID or nothing) of each class in module.cpp's table, in the order of registering."""
+    text = pathlib.Path(path).read_text(encoding="utf-8")
+    classes = re.findall(r'\{&CLSID_(\w+),\s*L"([^"]+)",[^{}]*\}(?:,\s*L"([^"]+)"\})?', text)
+    if not classes:
+        raise ValueError(f"{path}: no table of classes")
+    return classes
 
 
 def _type_library_entries(library, bits):
@@ -102,10 +103,11 @@ def registration(module_folder, idl, bits):
     module_folder = pathlib.Path(module_folder)
     library = read_type_library(idl)
     common = {"APPID": library.id, "LIBID": library.id, "MODULE": MODULE}
-    scripts = [rgs.read((module_folder / "application.rgs").read_text(encoding="utf-8"), common)]
+    scripts = [rgs.read(path.read_text(encoding="utf-8"), common) for path in module_folder.glob("application.rgs")]
     class_script = (module_folder / "class.rgs").read_text(encoding="utf-8")
-    for name, friendly in read_object_map(module_folder / "module.cpp"):
-        scripts.append(rgs.read(class_script, {**common, "CLSID": library.classes[name], "FRIENDLYNAME": friendly}))
+    for name, friendly, prog_id in read_object_map(module_folder / "module.cpp"):
+        own = {"CLSID": library.classes[name], "FRIENDLYNAME": friendly, "PROGID": prog_id}
+        scripts.append(rgs.read(class_script, {**common, **own}))
     entries = [entry for script in scripts for entry in script.entries]
     roots = [root for script in scripts for root in script.roots]
     of_library, library_roots = _type_library_entries(library, bits)

@@ -46,6 +46,13 @@ class RegistrarScripts(unittest.TestCase):
             with self.assertRaises(ValueError, msg=text):
                 self.read(text)
 
+    def test_classes_with_names_of_their_own_have_them(self):
+        found = registration.registration(ROOT / "companion", ROOT / "idl/AudioBlocks.idl", 64)
+        names = {e.key: e.text for e in found.entries if e.name == "" and "\\" not in e.key}
+        self.assertEqual(sorted(names), [f"AudioBlocks.{name}{version}" for name in
+                                         ("AudioBlock", "Controls", "Snapshot", "WaveFile") for version in ("", ".1")])
+        self.assertEqual(names["AudioBlocks.WaveFile"], "WAV file")
+
     def test_the_libraries_scripts_know_every_class_and_interface(self):
         found = registration.registration(ROOT / "module", ROOT / "idl/QELAudioVisualization4.idl", 32)
         keys = {entry.key for entry in found.entries}

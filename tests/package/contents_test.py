@@ -20,13 +20,14 @@ TOP = f"QELAudioVisualization4-{VERSION}"
 # Folders that are copied hold what git has there; these few names are to stay at home.
 COPIED = {"host": ["*.h"], "docs": ["*.md", "*.png", "*.svg"], "samples": ["*"], "idl": ["*.idl"]}
 LEFT_OUT = ["*/CMakeLists.txt"]
-LIBRARIES = ["QELAudioVisualization4"]
+LIBRARIES = ["QELAudioVisualization4", "AudioBlocks"]
 FIXED = [
     "CHANGELOG.md", "LICENSE", "README.md", "SHA256SUMS",
     "register-machine.cmd", "register-user.cmd", "unregister-machine.cmd", "unregister-user.cmd",
     *(f"registry/{verb}-user-{kind}-bit.reg" for verb in ("register", "unregister") for kind in (32, 64)),
     "include/automation_types.h",
     *(f"bin/{arch}/{name}.{e}" for arch in ("x64", "x86") for name in LIBRARIES for e in ("dll", "manifest", "tlb")),
+    *(f"bin/{arch}/QELAudioVisualization4.ProgIds.manifest" for arch in ("x64", "x86")),
     *(f"include/{name}{e}" for name in LIBRARIES for e in (".h", "_i.c")),
 ]
 
@@ -133,7 +134,7 @@ class Contents(unittest.TestCase):
                                 check=True).stdout.split()
         for table in "SelfReg", "CustomAction", "TypeLib":
             self.assertFalse(table in tables and self.table(table), table)
-        self.assertGreater(len(self.table("Registry")), 100)
+        self.assertGreater(len(self.table("Registry")), 300)
 
 
 if __name__ == "__main__":

@@ -2,14 +2,14 @@
 """Installs, uses and removes the package under Wine, each way, and compares registry and files before and after."""
 
 import shutil
-import subprocess
+import struct
 import sys
 import unittest
 
 sys.dont_write_bytecode = True
 
 from made_package import Package, compile_against  # noqa: E402
-from wine_prefix import TOOLS, WORK, WinePrefix, changes, windows_path  # noqa: E402
+from wine_prefix import WORK, WinePrefix, changes, windows_path  # noqa: E402
 
 SOFTWARE = "HKEY_LOCAL_MACHINE\\Software\\Classes\\"
 USER = "HKEY_CURRENT_USER\\Software\\Classes\\"
@@ -19,6 +19,7 @@ PLACE = "Sound & Vision (it's here)"
 # Another program's keys. Every Windows in use has some in these places; installers remove a place with its last key.
 STRANGER = "{5A1C0E0B-73F5-4C0B-9B3C-0F6E35D4D3A1}"
 PLACES = ("AppID", "CLSID", "Interface", "TypeLib", NODE + "CLSID", NODE + "Interface")
+LIBRARIES = ("QELAudioVisualization4", "AudioBlocks")
 CONTROLS = ("view", "meter", "analyser")
 
 
@@ -28,14 +29,11 @@ def below(registry, root):
             if key.lower().startswith(root.lower())}
 
 
-def placed(entries, dll):
-    """The entries with the library's path and folder replaced by marks."""
-    folder = dll.rpartition("\\")[0]
-
-    def mark(text):
-        return text.replace(dll, "<module>") if dll in text else "<folder>" if text == folder else text
-
-    return {place: mark(data) for place, data in entries.items()}
+def placed(entries, *folders):
+    """The entries with a mark for the folder that the libraries lie in."""
+    for folder in folders:
+        entries = {place: data.replace(folder, "<folder>") for place, data in entries.items()}
+    return entries
 
 
 def is_in(entries, *prefixes):
@@ -84,33 +82,37 @@ class Installed(unittest.TestCase):
     def unpack_in_wine(self):
         return self.package.unpack(self.wine.drive() / PLACE)
 
-    def module_in_wine(self, arch="x64"):
-        return f"C:\\{PLACE}\\{self.package.top}\\bin\\{arch}\\QELAudioVisualization4.dll"
+    def libraries_in_wine(self, arch="x64"):
+        return f"C:\\{PLACE}\\{self.package.top}\\bin\\{arch}"
 
     def registered_by_regsvr32(self):
-        """What DllRegisterServer writes below HKEY_CLASSES_ROOT, with marks for the paths."""
-        dll = windows_path(self.unpacked / "bin/x64/QELAudioVisualization4.dll")
+        """What regsvr32 of each library writes below HKEY_CLASSES_ROOT, with marks for the paths."""
+        folder = windows_path(self.unpacked / "bin/x64")
         before = self.wine.registry()
-        self.wine.must("regsvr32", "/s", dll)
+        for library in LIBRARIES:
+            self.wine.must("regsvr32", "/s", f"{folder}\\{library}.dll")
         new, gone = changes(before, self.wine.registry())
-        self.wine.must("regsvr32", "/s", "/u", dll)
+        for library in LIBRARIES:
+            self.wine.must("regsvr32", "/s", "/u", f"{folder}\\{library}.dll")
         self.assertEqual(gone, {})
-        return placed(below(new, SOFTWARE), dll)
+        return placed(below(new, SOFTWARE), folder)
 
-    def assert_usable(self, module):
-        """A program of another folder creates the controls, which show a block; so does a script."""
+    def assert_usable(self, folder):
+        """A program of another folder creates the controls, which show a block; a script draws one into a file."""
         pictures = WORK / "pictures"
         shutil.rmtree(pictures, ignore_errors=True)
         pictures.mkdir()
         lines = self.wine.must(windows_path(self.program), windows_path(pictures)).splitlines()
         self.assertEqual([line.split(" ", 2)[0] for line in lines], list(CONTROLS))
         for line in lines:
-            self.assertEqual(line.split(" ", 2)[2].lower(), module.lower())
+            self.assertEqual(line.split(" ", 2)[2].lower(), f"{folder}\\QELAudioVisualization4.dll".lower())
         self.assertEqual(sorted(p.name for p in pictures.iterdir()), sorted(f"{c}.bmp" for c in CONTROLS))
-        script = WORK / "try.vbs"
-        script.write_text(self.script_of_the_readme())
-        self.assertEqual(self.wine.must("cscript", "//nologo", windows_path(script)),
-                         "IAudioVisualization4Type1, visualisation 1\n")
+        (pictures / "try.vbs").write_text(self.script_of_the_readme())
+        self.assertEqual(self.wine.must("cscript", "//nologo", "try.vbs", cwd=pictures), "spectrum.png\n")
+        picture = (pictures / "spectrum.png").read_bytes()
+        self.assertEqual(picture[:8], b"\x89PNG\r\n\x1a\n")
+        self.assertEqual(struct.unpack(">II", picture[16:24]), (640, 360))
+        self.assertGreater(len(picture), 1500, "more than scales and grid")
 
     def script_of_the_readme(self):
         text = (self.unpacked / "README.md").read_text(encoding="utf-8")
@@ -149,8 +151,8 @@ class Installer(Installed):
     def program_folder(self, arch):
         return self.wine.drive() / self.PROGRAM_FILES[arch] / "QELAudioVisualization4"
 
-    def module(self, arch):
-        return f"C:\\{self.PROGRAM_FILES[arch]}\\QELAudioVisualization4\\bin\\{arch}\\QELAudioVisualization4.dll"
+    def libraries(self, arch):
+        return f"C:\\{self.PROGRAM_FILES[arch]}\\QELAudioVisualization4\\bin\\{arch}"
 
     def test_brings_all_files_and_takes_them_away_with_its_entries(self):
         before = self.wine.state()
@@ -166,22 +168,22 @@ class Installer(Installed):
 
     def test_writes_the_entries_that_regsvr32_writes(self):
         expected = for_64_bit(self.registered_by_regsvr32())
-        self.assertGreater(len(expected), 100)
+        self.assertGreater(len(expected), 200)
         before = self.wine.registry()
         self.install()
         new, gone = changes(before, self.wine.registry())
         self.assertEqual(gone, {})
         written = without(below(new, SOFTWARE), "Installer")
-        of_64_bit = placed(for_64_bit(written), self.module("x64"))
+        of_64_bit = placed(for_64_bit(written), self.libraries("x64"))
         self.assert_same_entries(of_64_bit, expected)
         # The 32-bit libraries are built of the same sources. What a 32-bit regsvr32 writes, OnA32BitSystem sees.
-        of_32_bit = placed(placed(for_32_bit(written), self.module("x86")), self.module("x64"))
+        of_32_bit = placed(for_32_bit(written), self.libraries("x86"), self.libraries("x64"))
         self.assert_same_entries(of_32_bit, as_32_bit(expected))
 
     def test_installed_controls_show_a_block_until_they_are_removed(self):
         self.assert_not_usable()
         self.install()
-        self.assert_usable(self.module("x64"))
+        self.assert_usable(self.libraries("x64"))
         self.remove()
         self.assert_not_usable()
 
@@ -198,7 +200,7 @@ class MachineScripts(Installed):
         self.assertIn("32-bit libraries are left out", output)
         new, gone = changes(before[0], self.wine.state()[0])
         self.assertEqual(gone, {})
-        self.assert_same_entries(placed(below(new, SOFTWARE), self.module_in_wine()), expected)
+        self.assert_same_entries(placed(below(new, SOFTWARE), self.libraries_in_wine()), expected)
         code, output = self.run_script(folder, "unregister-machine")
         self.assertEqual(code, 0, output)
         self.assert_as_before(before)
@@ -206,14 +208,14 @@ class MachineScripts(Installed):
     def test_registered_controls_show_a_block(self):
         folder = self.unpack_in_wine()
         self.assertEqual(self.run_script(folder, "register-machine")[0], 0)
-        self.assert_usable(self.module_in_wine())
+        self.assert_usable(self.libraries_in_wine())
         self.assertEqual(self.run_script(folder, "unregister-machine")[0], 0)
         self.assert_not_usable()
 
     def test_say_what_is_missing(self):
         folder = self.unpack_in_wine()
-        for arch in "x86", "x64":
-            (folder / "bin" / arch / "QELAudioVisualization4.dll").unlink()
+        for file in "x86/AudioBlocks.dll", "x64/QELAudioVisualization4.dll":
+            (folder / "bin" / file).unlink()
             for name in "register-machine", "unregister-machine":
                 code, output = self.run_script(folder, name)
                 self.assertEqual(code, 2)
@@ -240,8 +242,8 @@ class UserScripts(Installed):
         self.assertEqual(gone, {})
         self.assertEqual(below(new, SOFTWARE), {}, "nothing is written for other users")
         written = below(new, USER)
-        self.assert_same_entries(placed(for_64_bit(written), self.module_in_wine()), expected)
-        of_32_bit = placed(placed(for_32_bit(written), self.module_in_wine("x86")), self.module_in_wine())
+        self.assert_same_entries(placed(for_64_bit(written), self.libraries_in_wine()), expected)
+        of_32_bit = placed(for_32_bit(written), self.libraries_in_wine("x86"), self.libraries_in_wine())
         self.assert_same_entries(of_32_bit, as_32_bit(expected))
         code, output = self.run_script(folder, "unregister-user")
         self.assertEqual(code, 0, output)
@@ -269,7 +271,7 @@ class UserScripts(Installed):
                     escaped = [text.replace("\\", "\\\\").replace('"', '\\"') for text in (name, data)]
                     lines.append(f'"{escaped[0]}"="{escaped[1]}"' if name else f'@="{escaped[1]}"')
         self.wine.import_registry(lines)
-        self.assert_usable(self.module_in_wine())
+        self.assert_usable(self.libraries_in_wine())
 
     def test_say_what_is_missing(self):
         folder = self.unpack_in_wine()
