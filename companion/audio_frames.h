@@ -17,10 +17,11 @@ struct BlockContent {
 };
 
 /// The host's buffer interface as a part of a block. No method of it fails, so SendAudioData never throws.
-class AudioFrames final : public ole::Delegating<avhost::IAudioFrameData> {
+class AudioFrames final
+    : public avhost::UnusedFrameSlots<avhost::UnusedBufferSlots<ole::Delegating<avhost::IAudioFrameData>>> {
  public:
   /// `content` belongs to the same object.
-  AudioFrames(ole::Object& object, BlockContent& content) noexcept : Delegating(object), m_content(content) {}
+  AudioFrames(ole::Object& object, BlockContent& content) noexcept : UnusedFrameSlots(object), m_content(content) {}
 
   STDMETHODIMP GetBuffer(BYTE** buffer) override {
     if (!buffer) return E_POINTER;
@@ -52,34 +53,6 @@ class AudioFrames final : public ole::Delegating<avhost::IAudioFrameData> {
     *bytes = sizeof m_header;
     return S_OK;
   }
-
-  STDMETHODIMP reserved3() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved4() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved5() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved6() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved7() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved8() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved9() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved13() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved14() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved15() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved16() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved17() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved18() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved19() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved20() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved21() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved22() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved23() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved24() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved25() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved26() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved27() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved28() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved29() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved30() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved31() override { return E_NOTIMPL; }
-  STDMETHODIMP reserved32() override { return E_NOTIMPL; }
 
  private:
   BlockContent& m_content;

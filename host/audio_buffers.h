@@ -99,10 +99,53 @@ __CRT_UUID_DECL(avhost::IPackedAudioData, 0xfdbe7010, 0xe17f, 0x4457, 0xb3, 0x84
 
 namespace avhost {
 
+/// The slots of IMediaDataBuffer that nobody calls, for objects of your own. `Base` is or derives from such an interface.
+template <class Base>
+class UnusedBufferSlots : public Base {
+ public:
+  using Base::Base;
+
+  HRESULT STDMETHODCALLTYPE reserved3() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved4() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved5() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved6() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved7() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved8() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved9() override { return E_NOTIMPL; }
+};
+
+/// The slots of IAudioFrameData that nobody calls, besides those of IMediaDataBuffer.
+template <class Base>
+class UnusedFrameSlots : public Base {
+ public:
+  using Base::Base;
+
+  HRESULT STDMETHODCALLTYPE reserved13() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved14() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved15() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved16() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved17() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved18() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved19() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved20() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved21() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved22() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved23() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved24() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved25() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved26() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved27() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved28() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved29() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved30() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved31() override { return E_NOTIMPL; }
+  HRESULT STDMETHODCALLTYPE reserved32() override { return E_NOTIMPL; }
+};
+
 /// What the two buffer objects share: IUnknown, agility, and bytes in the caller's memory. `Interface` is the one that
 /// the object is queried for. Lives on the heap and starts with one reference.
 template <class Interface>
-class BufferObject : public Interface {
+class BufferObject : public UnusedBufferSlots<Interface> {
  public:
   BufferObject(const BufferObject&) = delete;
   BufferObject& operator=(const BufferObject&) = delete;
@@ -125,14 +168,6 @@ class BufferObject : public Interface {
     if (left == 0) delete this;
     return static_cast<ULONG>(left);
   }
-
-  HRESULT STDMETHODCALLTYPE reserved3() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved4() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved5() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved6() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved7() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved8() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved9() override { return E_NOTIMPL; }
 
   HRESULT STDMETHODCALLTYPE GetBuffer(BYTE** buffer) override {
     if (buffer == nullptr) return E_POINTER;
@@ -186,12 +221,12 @@ class BufferObject : public Interface {
 };
 
 /// Samples in the caller's memory with a format beside them.
-class AudioFrameData : public BufferObject<IAudioFrameData> {
+class AudioFrameData : public UnusedFrameSlots<BufferObject<IAudioFrameData>> {
  public:
   /// `format` is copied, with its extra bytes as far as 180 bytes reach; of plain PCM, whose size field is often left
   /// unset, the first 18 bytes only. `samples` is not copied.
   AudioFrameData(const WAVEFORMATEX& format, const void* samples, LONG sampleBytes) noexcept
-      : BufferObject(samples, sampleBytes, sampleBytes) {
+      : UnusedFrameSlots(samples, sampleBytes, sampleBytes) {
     const std::size_t extraBytes = format.wFormatTag == WAVE_FORMAT_PCM ? 0 : format.cbSize;
     m_formatBytes = static_cast<ULONG>((std::min)(headerBytes + extraBytes, sizeof m_format));
     std::memcpy(m_format, &format, headerBytes);
@@ -203,27 +238,6 @@ class AudioFrameData : public BufferObject<IAudioFrameData> {
   }
   AudioFrameData(const AudioFrameData&) = delete;
   AudioFrameData& operator=(const AudioFrameData&) = delete;
-
-  HRESULT STDMETHODCALLTYPE reserved13() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved14() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved15() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved16() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved17() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved18() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved19() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved20() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved21() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved22() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved23() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved24() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved25() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved26() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved27() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved28() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved29() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved30() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved31() override { return E_NOTIMPL; }
-  HRESULT STDMETHODCALLTYPE reserved32() override { return E_NOTIMPL; }
 
   HRESULT STDMETHODCALLTYPE GetFormat(BYTE** format) override {
     if (format == nullptr) return E_POINTER;
