@@ -52,6 +52,9 @@ void MeterAnalysis::analyse(const AudioBlock& block, const MeterSettings& settin
 
   const auto levels = values.first(std::max<std::size_t>(length / 2, 1));
   const BandLayout layout = bandLayout(settings.fftViewType, settings.alignmentY);
+  m_layout = layout;
+  m_analysedLength = static_cast<int>(length);
+  m_sampleRateHz = block.format.nSamplesPerSec;
   m_lines.withLines([&](std::span<LineInfo> lines) { foldBands(layout, levels, lines, nowMs, m_bandRatio); });
 }
 

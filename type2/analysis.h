@@ -7,6 +7,7 @@
 #include "dsp/centred_windows.h"
 #include "dsp/radix4_hartley.h"
 #include "type2/analysis_length.h"
+#include "type2/band_fold.h"
 #include "type2/band_ratio.h"
 #include "type2/settings.h"
 
@@ -45,6 +46,9 @@ class MeterAnalysis {
   /// Whether there are lines to draw: from the first accepted block on, until `clear`. [any thread]
   bool hasData() const noexcept { return m_hasData; }
 
+  /// Where the bands of the last analysed block lie. [any thread]
+  MeterAxis axis() const noexcept { return {m_layout, m_analysedLength, m_sampleRateHz}; }
+
   const StreamFormat& format() const noexcept { return m_format; }  // [under the control's mutex]
 
  private:
@@ -57,6 +61,9 @@ class MeterAnalysis {
   LineList& m_lines;
   StreamFormat m_format;
   Relaxed<bool> m_hasData = false;
+  Relaxed<BandLayout> m_layout = BandLayout::linear;
+  Relaxed<int> m_analysedLength = 0;
+  Relaxed<std::uint32_t> m_sampleRateHz = std::uint32_t{44100};
   std::unique_ptr<Buffer> m_buffer =
       std::make_unique<Buffer>();  ///< samples, their transform and their levels, in place
   dsp::CentredWindow m_window{Transform::maxLength};

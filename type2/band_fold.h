@@ -16,6 +16,13 @@ enum class BandLayout {
   logarithmicMirrored,  ///< the same from the centre to both sides
 };
 
+/// Where the bands of a meter's lines lie.
+struct MeterAxis {
+  BandLayout layout = BandLayout::linear;
+  int analysisLength = 0;  ///< frames that were transformed; half as many bins hold a level
+  std::uint32_t sampleRateHz = 44100;
+};
+
 /// `FFTViewType`·2 combined bit by bit with `AlignmentY`: 1, 2 and 3 are the last three layouts, everything else is linear.
 BandLayout bandLayout(std::int32_t fftViewType, std::int32_t alignmentY) noexcept;
 

@@ -63,6 +63,9 @@ class AnalyserAnalysis {
 
   /// One amplitude a column; see foldBands.
   std::span<const double> bands() const noexcept { return m_bands; }
+  /// What those bands were folded for, and the bins of each; see planBands.
+  const BandAxis& foldedAxis() const noexcept { return m_planAxis; }
+  std::span<const BinRange> foldedPlan() const noexcept { return m_plan; }
 
  private:
   LineList& m_columns;
