@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace av {
 
@@ -8,7 +9,7 @@ namespace av {
 // true minus sign (U+2212) and a space before the unit. Screen readers pronounce them in the user's own voice.
 
 /// What no sound at all is called.
-inline constexpr char16_t spokenSilence[] = u"silence";
+inline constexpr std::u16string_view spokenSilence = u"silence";
 
 /// Levels that round to less than this count as silence in all controls: the least step of 16 bits.
 inline constexpr int quietestSpokenDb = -90;

@@ -20,6 +20,8 @@ struct Ambients {
   bool userMode = true;  ///< false: a designer, where the user edits the control
   OLE_COLOR backColor = 0x80000000u | COLOR_BTNFACE;
   OLE_COLOR foreColor = 0x80000000u | COLOR_BTNTEXT;
+  /// The control's name for users of screen readers; null: the control's own. The text has to outlive the site.
+  const wchar_t* displayName = nullptr;
 };
 
 /// Every method is called on the control's thread. [control thread]
@@ -240,6 +242,7 @@ class ControlSite final : public IOleClientSite,
       case DISPID_AMBIENT_SHOWGRABHANDLES: return answer(*result, false);
       case DISPID_AMBIENT_BACKCOLOR: return answer(*result, static_cast<LONG>(m_ambients.backColor));
       case DISPID_AMBIENT_FORECOLOR: return answer(*result, static_cast<LONG>(m_ambients.foreColor));
+      case DISPID_AMBIENT_DISPLAYNAME: return answer(*result, m_ambients.displayName);
       case DISPID_AMBIENT_LOCALEID: return answer(*result, static_cast<LONG>(GetUserDefaultLCID()));
       default: return DISP_E_MEMBERNOTFOUND;
     }
@@ -256,6 +259,14 @@ class ControlSite final : public IOleClientSite,
   static HRESULT answer(VARIANT& result, LONG value) noexcept {
     V_VT(&result) = VT_I4;
     V_I4(&result) = value;
+    return S_OK;
+  }
+
+  static HRESULT answer(VARIANT& result, const wchar_t* text) noexcept {
+    if (!text) return DISP_E_MEMBERNOTFOUND;
+    V_BSTR(&result) = SysAllocString(text);
+    if (!V_BSTR(&result)) return E_OUTOFMEMORY;
+    V_VT(&result) = VT_BSTR;
     return S_OK;
   }
 

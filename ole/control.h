@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ole/accessible_subject.h"
 #include "ole/class_info.h"
 #include "ole/connection_points.h"
 #include "ole/in_place_active_object.h"
@@ -20,23 +21,26 @@
 #include <atomic>
 #include <initializer_list>
 #include <optional>
+#include <string>
 
 namespace av::ole {
 
 /// What the framework has to know of a control class.
 struct ControlInfo {
   CLSID classId;
-  const wchar_t* userType;    ///< the friendly name
-  DWORD miscStatus;           ///< OLEMISC bits of the content aspect
-  bool windowOnly = false;    ///< never active without a window of its own
-  IID eventInterfaceId = {};  ///< the default event dispinterface; GUID_NULL: no events
+  const wchar_t* userType;              ///< the friendly name
+  DWORD miscStatus;                     ///< OLEMISC bits of the content aspect
+  bool windowOnly = false;              ///< never active without a window of its own
+  IID eventInterfaceId = {};            ///< the default event dispinterface; GUID_NULL: no events
+  const wchar_t* accessibleName = L"";  ///< what the control is called where its host has no name for it
+  LONG accessibleRole = 0;              ///< one of ROLE_SYSTEM_...
 };
 
 /// An OLE control without its subject: site, extent, in-place activation, view, persistence of the extent. One
 /// interface family a part, each in its own file; this class holds what they share.
 ///
 /// A derived control draws, handles window messages and adds its own interfaces.
-class Control : public Object, public WindowClient {
+class Control : public Object, public WindowClient, private AccessibleSubject {
  public:
   // --- what a derived control provides -------------------------------------------------------------------------
 
@@ -51,6 +55,10 @@ class Control : public Object, public WindowClient {
   virtual bool handleMessage(UINT /*message*/, WPARAM /*wParam*/, LPARAM /*lParam*/, LRESULT& /*result*/) {
     return false;
   }
+  /// What the control shows and what kind of picture that is, in words for screen readers. Calls nobody. std::bad_alloc
+  /// where there is no room for the text. [control thread]
+  virtual std::wstring spokenValue() { return {}; }
+  virtual std::wstring spokenDescription() { return {}; }
   /// The dual interface, for class information and error information.
   virtual REFIID dispatchInterfaceId() const noexcept = 0;
 
@@ -98,6 +106,7 @@ class Control : public Object, public WindowClient {
   /// request is taken away. [control thread]
   bool takeRedrawRequest() noexcept { return m_redrawRequested.exchange(false); }
 
+  AccessibleSubject* accessibleSubject() noexcept override { return this; }
   LRESULT windowMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) override;
   /// A message that the container passes on to the windowless control. False: not handled.
   bool windowlessMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result);
@@ -113,6 +122,13 @@ class Control : public Object, public WindowClient {
 
  private:
   void focusChanged(bool gained);
+
+  // AccessibleSubject
+  LONG accessibleRole() const noexcept override;
+  std::wstring accessibleName() override;
+  std::wstring accessibleDescription() override;
+  std::wstring accessibleValue() override;
+  HRESULT accessibleTakeFocus() override;
 
   const ControlInfo m_info;
   const DWORD m_threadId = GetCurrentThreadId();

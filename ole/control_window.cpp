@@ -1,9 +1,12 @@
 #include "ole/control_window.h"
 
+#include "ole/accessible.h"
 #include "ole/module_instance.h"
+#include "ole/oleacc_library.h"
 
 #include <cwchar>
 #include <iterator>
+#include <utility>
 
 namespace av::ole {
 
@@ -18,6 +21,10 @@ struct ClassName {
 };
 
 }  // namespace
+
+ControlWindow::ControlWindow() noexcept = default;
+
+ControlWindow::~ControlWindow() { destroy(); }
 
 bool ControlWindow::create(HWND parent, const RECT& position, WindowClient& client) noexcept {
   const ClassName className;
@@ -41,6 +48,7 @@ bool ControlWindow::create(HWND parent, const RECT& position, WindowClient& clie
 
 void ControlWindow::destroy() noexcept {
   m_client = nullptr;
+  disconnectAccessible();
   if (m_window) DestroyWindow(m_window);
 }
 
@@ -54,12 +62,43 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wPar
   if (!self) return DefWindowProcW(window, message, wParam, lParam);
   if (message == WM_NCDESTROY) {
     SetWindowLongPtrW(window, GWLP_USERDATA, 0);
+    self->disconnectAccessible();
     self->m_window = nullptr;
     self->m_client = nullptr;
     return DefWindowProcW(window, message, wParam, lParam);
   }
+  // Some systems extend the sign of the object's identifier to 64 bits and some do not.
+  if (message == WM_GETOBJECT && static_cast<LONG>(static_cast<DWORD>(lParam)) == OBJID_CLIENT) {
+    if (const LRESULT object = self->accessibleObject(wParam)) return object;
+  }
+  if (message >= 0xC000 && message == self->m_announceMessage) {
+    self->announceValue(true);
+    return 0;
+  }
   return self->m_client ? self->m_client->windowMessage(window, message, wParam, lParam)
                         : DefWindowProcW(window, message, wParam, lParam);
+}
+
+LRESULT ControlWindow::accessibleObject(WPARAM wParam) noexcept {
+  if (!m_accessible && m_client) {
+    if (AccessibleSubject* const subject = m_client->accessibleSubject()) {
+      m_accessible = Accessible::create(m_window, *subject);
+      if (m_accessible) m_announceMessage = RegisterWindowMessageW(L"QELAudioVisualization4.ValueHasSettled");
+    }
+  }
+  const Microsoft::WRL::ComPtr<Accessible> object = m_accessible;
+  return object ? lresultFromObject(__uuidof(IAccessible), wParam, object.Get()) : 0;
+}
+
+void ControlWindow::announceValue(bool atOnce) noexcept {
+  const Microsoft::WRL::ComPtr<Accessible> object = m_accessible;
+  if (object) object->announceValue(GetTickCount(), atOnce);
+}
+
+void ControlWindow::disconnectAccessible() noexcept {
+  m_announceMessage = 0;
+  const Microsoft::WRL::ComPtr<Accessible> object = std::move(m_accessible);
+  if (object) object->disconnect();
 }
 
 void unregisterControlWindowClass() noexcept { UnregisterClassW(ClassName().text, moduleInstance()); }

@@ -51,6 +51,9 @@ class InPlaceSession {
   bool isWindowless() const noexcept { return m_active && m_windowless; }
   bool isUserInterfaceActive() const noexcept { return m_userInterfaceActive; }
   HWND window() const noexcept { return m_window.handle(); }
+  /// For what the window shows; windowless there is nobody to be told. See ControlWindow.
+  void valueMayHaveChanged() noexcept { m_window.valueMayHaveChanged(); }  // [control thread]
+  void valueHasSettled() noexcept { m_window.valueHasSettled(); }          // [any thread]
   IOleInPlaceSite* site() const noexcept { return m_site.Get(); }
   const RECT& position() const noexcept { return m_position; }
   /// What the active control has to draw on, in pixels: its window's client area or, windowless, its rectangle in the

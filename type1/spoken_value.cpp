@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <limits>
 #include <span>
+#include <string_view>
 #include <vector>
 
 namespace av::type1 {
@@ -24,12 +25,13 @@ struct Part {
 
 /// "silence" alone where all parts are silent.
 std::u16string joined(const std::vector<Part>& parts) {
-  if (std::ranges::all_of(parts, [](const Part& part) { return part.words.empty(); })) return spokenSilence;
+  if (std::ranges::all_of(parts, [](const Part& part) { return part.words.empty(); }))
+    return std::u16string(spokenSilence);
   std::u16string text;
   for (const Part& part : parts) {
     if (!text.empty()) text += u"; ";
     text += part.whose;
-    text += part.words.empty() ? spokenSilence : part.words;
+    text += part.words.empty() ? spokenSilence : std::u16string_view(part.words);
   }
   return text;
 }
@@ -129,7 +131,7 @@ std::u16string ofEachPair(const ViewSignal& signal) {
 std::u16string spokenValue(const ViewSettings& settings, const ViewSignal& signal) {
   const std::int32_t type = settings.visualizationType;
   if (type < 1 || type > 7) return u"nothing shown";
-  if (!signal.dataReceived) return spokenSilence;
+  if (!signal.dataReceived) return std::u16string(spokenSilence);
   if (type == 1) {
     return ofEachChannel(
         signal, [&](std::size_t channel) { return waveformWords(signal.analysis[channel], signal.fullScale); });

@@ -27,7 +27,7 @@ std::vector<LineInfo> bandCentres(std::size_t lineCount, const MeterAxis& axis) 
 std::u16string spokenValue(std::span<const double> valuesDb, const MeterAxis& axis) {
   double loudest = -std::numeric_limits<double>::infinity();
   for (const double value : valuesDb) loudest = std::max(loudest, value);
-  if (!isAudible(loudest)) return spokenSilence;
+  if (!isAudible(loudest)) return std::u16string(spokenSilence);
   double lowestHz = std::numeric_limits<double>::infinity();
   const std::vector<LineInfo> centres = bandCentres(valuesDb.size(), axis);
   for (std::size_t line = 0; line < valuesDb.size(); ++line)

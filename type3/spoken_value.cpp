@@ -29,7 +29,7 @@ std::u16string spokenValue(std::span<const double> bands, const BandAxis& axis, 
   double loudest = 0;
   for (const double band : bands) loudest = std::max(loudest, band);
   const double levelDb = 20 * std::log10(2 * loudest / axis.fftLength);
-  if (!isAudible(levelDb)) return spokenSilence;
+  if (!isAudible(levelDb)) return std::u16string(spokenSilence);
   double lowestHz = std::numeric_limits<double>::infinity();
   const std::vector<double> centres = columnCentres(bands.size(), axis, plan);
   for (std::size_t column = 0; column < bands.size(); ++column)

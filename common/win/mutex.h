@@ -24,6 +24,12 @@ class Mutex final : public Lockable {
   void lock() override {
     if (m_handle != nullptr) WaitForSingleObject(m_handle, INFINITE);
   }
+  /// Takes it only if no other thread holds it.
+  bool try_lock() noexcept {
+    if (m_handle == nullptr) return true;
+    const DWORD result = WaitForSingleObject(m_handle, 0);
+    return result == WAIT_OBJECT_0 || result == WAIT_ABANDONED;
+  }
   void unlock() override {
     if (m_handle != nullptr) ReleaseMutex(m_handle);
   }

@@ -2,7 +2,11 @@
 
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
+#include "common/win/wide_text.h"
 #include "type1/minimum_size.h"
+#include "type1/spoken_value.h"
+
+#include <oleacc.h>
 
 #include <mutex>
 
@@ -10,10 +14,14 @@ namespace av::type1 {
 
 namespace {
 
-const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type1, L"CAudioVisualization4Type1 Object",
+const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type1,
+                                   L"CAudioVisualization4Type1 Object",
                                    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
                                        OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST,
-                                   false, DIID__IAudioVisualization4Type1Events};
+                                   false,
+                                   DIID__IAudioVisualization4Type1Events,
+                                   L"Waveform and spectrum view",
+                                   ROLE_SYSTEM_CHART};
 
 constexpr std::uint32_t repaintPeriodMs = 30;
 
@@ -70,6 +78,7 @@ STDMETHODIMP CAudioVisualization4Type1::_OnTimer() {
   const ole::KeepAlive alive(*this);
   const bool asked = takeRedrawRequest();
   if (m_analysis.smoothingStep(m_settings) || asked) drawNow();
+  inPlace().valueMayHaveChanged();
   return S_OK;
 }
 
@@ -114,6 +123,19 @@ void CAudioVisualization4Type1::draw(HDC target, const RECT& bounds) {
   if (inWindow && onControlThread() && bounds.right - bounds.left >= 2 && bounds.bottom - bounds.top >= 2)
     m_timer.Start(repaintPeriodMs);
 }
+
+std::wstring CAudioVisualization4Type1::spokenValue() {
+  // A block that is being analysed on another thread has samples where levels will be; it is not waited for, since its
+  // buffer is the host's.
+  const std::unique_lock betweenBlocks(m_mutex, std::try_to_lock);
+  if (betweenBlocks || m_spoken.empty()) {
+    const std::lock_guard picture(m_drawingLock);
+    m_spoken = wideText(type1::spokenValue(m_settings, m_analysis.signal()));
+  }
+  return m_spoken;
+}
+
+std::wstring CAudioVisualization4Type1::spokenDescription() { return wideText(type1::spokenDescription(m_settings)); }
 
 HRESULT createType1Control(IUnknown* outer, REFIID iid, void** object) {
   return ole::createObject<CAudioVisualization4Type1>(outer, iid, object);

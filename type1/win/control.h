@@ -14,6 +14,7 @@
 
 #include <mutex>
 #include <new>
+#include <string>
 
 namespace av::type1 {
 
@@ -81,6 +82,8 @@ class CAudioVisualization4Type1 final : public ole::Control, public ole::Dual<IA
   void draw(HDC target, const RECT& bounds) override;
   void activationVerbDone() override;
   void resized(SIZE client) override;
+  std::wstring spokenValue() override;
+  std::wstring spokenDescription() override;
   bool handleMessage(UINT message, WPARAM wParam, LPARAM lParam, LRESULT& result) override;
   REFIID dispatchInterfaceId() const noexcept override { return IID_IAudioVisualization4Type1; }
   void* findInterface(REFIID iid) noexcept override;
@@ -108,6 +111,7 @@ class CAudioVisualization4Type1 final : public ole::Control, public ole::Dual<IA
   PointerReading readingAt(Point position);
   void fireAt(DISPID event, Point position, PointerValue value);
 
+  std::wstring m_spoken;   // the words of the last look at what is shown
   bool m_growing = false;  // waits for the container's answer to a wish for a larger rectangle
   Mutex m_mutex;
   CriticalSection m_drawingLock;

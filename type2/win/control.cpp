@@ -2,18 +2,28 @@
 
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
+#include "common/win/wide_text.h"
 #include "type2/geometry.h"
+#include "type2/spoken_value.h"
+
+#include <oleacc.h>
 
 #include <cstdint>
+#include <span>
+#include <vector>
 
 namespace av::type2 {
 
 namespace {
 
-const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type2, L"CAudioVisualization4Type2 Object",
+const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type2,
+                                   L"CAudioVisualization4Type2 Object",
                                    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
                                        OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST,
-                                   true};  // it paints itself from its timer, into a window of its own
+                                   true,  // it paints itself from its timer, into a window of its own
+                                   {},
+                                   L"Level meter",
+                                   ROLE_SYSTEM_INDICATOR};
 
 constexpr std::uint32_t repaintPeriodMs = 50;
 constexpr std::int32_t defaultLineCount = 100;
@@ -56,6 +66,7 @@ void CAudioVisualization4Type2::pushBlock(IUnknown* audioData) {
     m_timer.clearRunning();
     m_analysis.clear(GetTickCount());
     drawNow();
+    inPlace().valueHasSettled();  // no tick follows
     return;
   }
   m_timer.Start(repaintPeriodMs);
@@ -69,6 +80,7 @@ void CAudioVisualization4Type2::pushBlock(IUnknown* audioData) {
 STDMETHODIMP CAudioVisualization4Type2::_OnTimer() {
   const ole::KeepAlive alive(*this);
   if (m_analysis.hasData()) drawNow();
+  inPlace().valueMayHaveChanged();
   return S_OK;
 }
 
@@ -117,6 +129,18 @@ void CAudioVisualization4Type2::draw(HDC target, const RECT& bounds) {
     // The target keeps what it shows.
   }
 }
+
+std::wstring CAudioVisualization4Type2::spokenValue() {
+  std::vector<double> values;
+  if (m_analysis.hasData()) {
+    m_list.lines().withLines([&](std::span<LineInfo> lines) {
+      for (const LineInfo& line : lines) values.push_back(line.value);
+    });
+  }
+  return wideText(type2::spokenValue(values, m_analysis.axis()));
+}
+
+std::wstring CAudioVisualization4Type2::spokenDescription() { return L"Levels of the sound's frequency bands"; }
 
 HRESULT createType2Control(IUnknown* outer, REFIID iid, void** object) {
   return ole::createObject<CAudioVisualization4Type2>(outer, iid, object);

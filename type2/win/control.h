@@ -14,6 +14,7 @@
 
 #include <mutex>
 #include <new>
+#include <string>
 
 namespace av::type2 {
 
@@ -97,6 +98,8 @@ class CAudioVisualization4Type2 final : public ole::Control, public ole::Dual<IA
  private:
   void draw(HDC target, const RECT& bounds) override;
   void resized(SIZE client) override;
+  std::wstring spokenValue() override;
+  std::wstring spokenDescription() override;
   REFIID dispatchInterfaceId() const noexcept override { return IID_IAudioVisualization4Type2; }
   void* findInterface(REFIID iid) noexcept override;
   void tearDown() noexcept override;

@@ -2,15 +2,24 @@
 
 #include "common/win/audio_call.h"
 #include "common/win/audio_input.h"
+#include "common/win/wide_text.h"
 #include "gfx/win/scale_font.h"
+#include "type3/spoken_value.h"
+
+#include <oleacc.h>
 
 namespace av::type3 {
 
 namespace {
 
-const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type3, L"CAudioVisualization4Type3 Object",
+const ole::ControlInfo controlInfo{CLSID_CAudioVisualization4Type3,
+                                   L"CAudioVisualization4Type3 Object",
                                    OLEMISC_RECOMPOSEONRESIZE | OLEMISC_CANTLINKINSIDE | OLEMISC_INSIDEOUT |
-                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST};
+                                       OLEMISC_ACTIVATEWHENVISIBLE | OLEMISC_SETCLIENTSITEFIRST,
+                                   false,
+                                   {},
+                                   L"Spectrum analyser",
+                                   ROLE_SYSTEM_CHART};
 
 constexpr std::uint32_t repaintPeriodMs = 50;
 constexpr std::int32_t tickFallPeriodMs = 10;
@@ -95,6 +104,7 @@ STDMETHODIMP CAudioVisualization4Type3::_OnTimer() {
   const ole::KeepAlive alive(*this);
   const bool asked = takeRedrawRequest();
   if (m_analysis.tick(m_settings, GetTickCount()) || asked) drawNow();
+  inPlace().valueMayHaveChanged();
   return S_OK;
 }
 
@@ -155,6 +165,14 @@ void CAudioVisualization4Type3::draw(HDC target, const RECT& bounds) {
   } catch (const std::bad_alloc&) {
     // The target keeps what it shows.
   }
+}
+
+std::wstring CAudioVisualization4Type3::spokenValue() {
+  return wideText(type3::spokenValue(m_analysis.bands(), m_analysis.foldedAxis(), m_analysis.foldedPlan()));
+}
+
+std::wstring CAudioVisualization4Type3::spokenDescription() {
+  return L"Frequency spectrum of the sound as columns, each a band";
 }
 
 HRESULT createType3Control(IUnknown* outer, REFIID iid, void** object) {

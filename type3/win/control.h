@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <new>
+#include <string>
 
 namespace av::type3 {
 
@@ -109,6 +110,8 @@ class CAudioVisualization4Type3 final : public ole::Control, public ole::Dual<IA
   void draw(HDC target, const RECT& bounds) override;
   void activationVerbDone() override;
   void resized(SIZE client) override;
+  std::wstring spokenValue() override;
+  std::wstring spokenDescription() override;
   REFIID dispatchInterfaceId() const noexcept override { return IID_IAudioVisualization4Type3; }
   void* findInterface(REFIID iid) noexcept override;
   void tearDown() noexcept override;
