@@ -71,6 +71,7 @@ LRESULT CALLBACK ControlWindow::procedure(HWND window, UINT message, WPARAM wPar
   if (message == WM_GETOBJECT && static_cast<LONG>(static_cast<DWORD>(lParam)) == OBJID_CLIENT) {
     if (const LRESULT object = self->accessibleObject(wParam)) return object;
   }
+  // 0 is no registered message but WM_NULL.
   if (message >= 0xC000 && message == self->m_announceMessage) {
     self->announceValue(true);
     return 0;

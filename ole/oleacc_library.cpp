@@ -35,22 +35,24 @@ HMODULE library() noexcept {
   return module;
 }
 
+/// `Function`: a pointer, with its calling convention.
 template <class Function>
-Function* entry(const char* name) noexcept {
+Function entry(const char* name) noexcept {
   const HMODULE module = library();
-  return module ? reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
+  return module ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
 }
 
 }  // namespace
 
 LRESULT lresultFromObject(REFIID iid, WPARAM wParam, IUnknown* object) noexcept {
-  const auto call = entry<LRESULT WINAPI(REFIID, WPARAM, IUnknown*)>("LresultFromObject");
-  return call ? call(iid, wParam, object) : 0;
+  const auto call = entry<LPFNLRESULTFROMOBJECT>("LresultFromObject");
+  const LRESULT result = call ? call(iid, wParam, object) : 0;
+  return static_cast<HRESULT>(result) > 0 ? result : 0;  // negative: an error
 }
 
 HRESULT standardAccessibleObject(HWND window, LONG objectId, REFIID iid, void** object) noexcept {
   *object = nullptr;
-  const auto call = entry<HRESULT WINAPI(HWND, LONG, REFIID, void**)>("CreateStdAccessibleObject");
+  const auto call = entry<LPFNCREATESTDACCESSIBLEOBJECT>("CreateStdAccessibleObject");
   return call ? call(window, objectId, iid, object) : E_NOTIMPL;
 }
 

@@ -10,7 +10,7 @@ namespace av::ole {
 // process that no screen reader asks pays nothing, and then stays until the process ends: its code may be on the stack of
 // whoever releases the last object that needs it. [any thread]
 
-/// What a window answers to WM_GETOBJECT with these parameters, for `object`. 0 or an error where that cannot be.
+/// What a window answers to WM_GETOBJECT with this parameter, for `object`. 0 where that cannot be.
 LRESULT lresultFromObject(REFIID iid, WPARAM wParam, IUnknown* object) noexcept;
 
 /// The object that the system itself would give for a part of a window; E_NOTIMPL where the library is missing.

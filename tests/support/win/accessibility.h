@@ -15,15 +15,15 @@ namespace av::test {
 /// A function of the system's accessibility library, which a test program must not import: whether it has been loaded is
 /// itself tested.
 template <class Function>
-Function* oleaccFunction(const char* name) {
+Function oleaccFunction(const char* name) {
   const HMODULE module = LoadLibraryW(L"oleacc.dll");
-  return module ? reinterpret_cast<Function*>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
+  return module ? reinterpret_cast<Function>(reinterpret_cast<void*>(GetProcAddress(module, name))) : nullptr;
 }
 
 /// The object of a window's part; null where there is none. [any thread with an apartment]
 inline Microsoft::WRL::ComPtr<IAccessible> accessibleOf(HWND window, LONG part = OBJID_CLIENT) {
   Microsoft::WRL::ComPtr<IAccessible> object;
-  const auto ask = oleaccFunction<HRESULT WINAPI(HWND, DWORD, REFIID, void**)>("AccessibleObjectFromWindow");
+  const auto ask = oleaccFunction<LPFNACCESSIBLEOBJECTFROMWINDOW>("AccessibleObjectFromWindow");
   void* found = nullptr;
   if (ask && ask(window, static_cast<DWORD>(part), __uuidof(IAccessible), &found) == S_OK)
     *object.GetAddressOf() = static_cast<IAccessible*>(found);  // counted already
