@@ -1,26 +1,13 @@
 #include "bench/contest.h"
 
-#include <benchmark/benchmark.h>
-
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <random>
-#include <utility>
 
 namespace av::bench {
-
-void add(const std::string& name, const std::string& contender, std::size_t size, std::function<void()> run) {
-  const std::string title = name + "/" + contender + "/" + std::to_string(size);
-  benchmark::RegisterBenchmark(title.c_str(), [run = std::move(run)](benchmark::State& state) {
-    for (auto _ : state) {
-      run();
-      benchmark::ClobberMemory();
-    }
-  });
-}
 
 std::vector<double> noise(std::size_t count) {
   std::mt19937 random(1);
@@ -51,16 +38,3 @@ bool sameBits(std::span<const double> actual, std::span<const double> expected) 
 }
 
 }  // namespace av::bench
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  if (benchmark::ReportUnrecognizedArguments(argc, argv)) return 1;
-  av::bench::addPowerSpectra();
-  av::bench::addHartley();
-  av::bench::addDecoding();
-  av::bench::addBlocks();
-  av::bench::addFrames();
-  benchmark::RunSpecifiedBenchmarks();
-  benchmark::Shutdown();
-  return 0;
-}

@@ -32,5 +32,6 @@ void addHartley();
 void addDecoding();
 void addBlocks();
 void addFrames();
+void addGrowth();
 
 }  // namespace av::bench
