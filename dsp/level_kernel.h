@@ -5,12 +5,11 @@
 
 namespace av::dsp {
 
-/// What a power becomes: 10·log10(power·`gain`) + `offsetDb`.
+/// What H[k] and H[N − k] become: the level 10·log10((H[k]² + H[N − k]²)·`gain`) + `offsetDb`.
 struct LevelScale {
-  double perSample;  ///< 1/N, which the sums of a bin are multiplied by
   double gain;
   double offsetDb;
-  double emptyDb;  ///< the level of a power of exactly 0
+  double emptyDb;  ///< the level of a bin whose squares are exactly 0
   double floorDb;  ///< what lower levels become, and those that are no number; −∞ leaves all of them as they are
 };
 

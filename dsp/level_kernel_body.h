@@ -11,13 +11,11 @@ namespace av::dsp {
 template <int lanes, bool withFloor>
 AV_ALWAYS_INLINE Vector<lanes> levelsOf(Vector<lanes> lower, Vector<lanes> upper, const LevelScale& scale) noexcept {
   using V = Vector<lanes>;
-  const V re = (lower + upper) * scale.perSample;
-  const V im = (lower - upper) * scale.perSample;
-  const V power = re * re + im * im;
-  const V level = decibels<lanes>(power * scale.gain) + scale.offsetDb;
-  const V filled = power == 0.0 ? V{} + scale.emptyDb : level;
-  if constexpr (!withFloor) return filled;
-  return filled >= scale.floorDb ? filled : V{} + scale.floorDb;
+  const V squares = lower * lower + upper * upper;
+  const V level = decibels<lanes, LogarithmOf::normal>(squares * scale.gain) + scale.offsetDb;
+  // An empty bin is below any floor.
+  if constexpr (withFloor) return level >= scale.floorDb ? level : V{} + scale.floorDb;
+  return squares == 0.0 ? V{} + scale.emptyDb : level;
 }
 
 template <int lanes, bool withFloor>

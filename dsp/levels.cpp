@@ -11,9 +11,11 @@ namespace {
 constexpr double largestSquaredScale = 0x1p40;
 
 LevelScale levelScale(std::size_t length, double fullScale, double floorDb) noexcept {
-  const double perSample = 1.0 / static_cast<double>(length);
-  if (fullScale <= largestSquaredScale) return {perSample, 1.0 / (fullScale * fullScale), 0.0, emptyBinDb, floorDb};
-  return {perSample, 1.0, -2.0 * decibels(fullScale), emptyBinDb, floorDb};
+  // ((a + b)/N)² + ((a − b)/N)² is (a² + b²)·2/N².
+  const double n = static_cast<double>(length);
+  const double gain = 2.0 / (n * n);
+  if (fullScale <= largestSquaredScale) return {gain / (fullScale * fullScale), 0.0, emptyBinDb, floorDb};
+  return {gain, -2.0 * decibels(fullScale), emptyBinDb, floorDb};
 }
 
 }  // namespace

@@ -25,13 +25,20 @@ AV_ALWAYS_INLINE To bitsAs(const From& from) noexcept {
   return to;
 }
 
+/// Which numbers a logarithm is taken of.
+enum class LogarithmOf {
+  any,
+  /// Positive numbers below DBL_MIN, and 0, give some level below −3000 dB.
+  normal
+};
+
 /// 10·log10(x) of each lane, within 3 units in the last place; −∞ for 0, ∞ for ∞, NaN for NaN. Lanes below 0 are not
 /// meant. Every build and every number of lanes gives the same bits: nothing of the maths library is used.
 ///
 /// x = 2^e·m with m from √½ to √2, and ln m = 2·artanh(s), s = (m − 1)/(m + 1). The polynomial in s² is
 /// 10/ln 10·2·artanh(s)/s, interpolated at the Chebyshev points of the range of s²: off by 3e-17 of it at most, of which
 /// all but a tenth is the rounding of its first coefficient.
-template <int lanes>
+template <int lanes, LogarithmOf numbers = LogarithmOf::any>
 AV_ALWAYS_INLINE Vector<lanes> decibels(Vector<lanes> x) noexcept {
   using V = Vector<lanes>;
   using W = VectorOfWords<lanes>;
@@ -42,10 +49,12 @@ AV_ALWAYS_INLINE Vector<lanes> decibels(Vector<lanes> x) noexcept {
   constexpr double liftOfTiny = 54;
   constexpr double perOctave = 3.010299956639812;  // 10·log10(2)
 
-  const auto isTiny = x < DBL_MIN;
-  const W bits = bitsAs<W>(isTiny ? x * 0x1p54 : x) + (one - rootOfHalf);
-  const V exponent = bitsAs<V>((bits >> 52) | wholeNumbers) - (0x1p52 + 1023);
-  const V octaves = isTiny ? exponent - liftOfTiny : exponent;
+  constexpr bool lifts = numbers == LogarithmOf::any;
+  V normal = x;
+  if constexpr (lifts) normal = x < DBL_MIN ? x * 0x1p54 : x;
+  const W bits = bitsAs<W>(normal) + (one - rootOfHalf);
+  V octaves = bitsAs<V>((bits >> 52) | wholeNumbers) - (0x1p52 + 1023);
+  if constexpr (lifts) octaves = x < DBL_MIN ? octaves - liftOfTiny : octaves;
   const V m = bitsAs<V>((bits & mantissa) + rootOfHalf);
   const V s = (m - 1.0) / (m + 1.0);
   const V z = s * s;
@@ -56,10 +65,10 @@ AV_ALWAYS_INLINE Vector<lanes> decibels(Vector<lanes> x) noexcept {
   series = 0x1.bcb7b1524d007p+0 + z * series;
   series = 0x1.729913c4b1496p+1 + z * series;
   series = 0x1.15f2ced384f29p+3 + z * series;
-  const V level = octaves * perOctave + s * series;
+  V level = octaves * perOctave + s * series;
   constexpr double infinity = std::numeric_limits<double>::infinity();
-  const V ofFinite = x == 0.0 ? V{} - infinity : level;
-  return x < infinity ? ofFinite : x;
+  if constexpr (lifts) level = x == 0.0 ? V{} - infinity : level;
+  return x < infinity ? level : x;
 }
 
 /// 10·log10(x) of one number, with the bits of all others.

@@ -44,7 +44,7 @@ def short(size):
     return str(size) if size < 1024 else f"{size // 1024} K"
 
 
-def diagram(times, name, panel, y):
+def diagram(times, name, panel, y, decades):
     title, unit = DIAGRAMS[name]
     curves = {control: points_of(times, name, control) for control in CONTROLS}
     sizes = sorted({size for points in curves.values() for size, _ in points})
@@ -52,7 +52,7 @@ def diagram(times, name, panel, y):
     parts = [text((panel[0] + panel[1]) / 2, TOP - 16, title, extra=' font-weight="bold"')]
     for size in sizes:
         parts += [line(x(size), TOP, x(size), BOTTOM, "#eee"), text(x(size), BOTTOM + 18, short(size))]
-    for microseconds in (0.1, 1, 10, 100):
+    for microseconds in decades:
         row = y(microseconds)
         parts += [line(panel[0], row, panel[1], row, "#ccc"), text(panel[0] - 8, row + 4, f"{microseconds:g}", "end")]
     parts.append(text((panel[0] + panel[1]) / 2, BOTTOM + 38, unit))
@@ -75,11 +75,14 @@ def legend():
 
 def plot(times):
     """`times`: {(diagram, size): {control: nanoseconds}}"""
-    y = Axis(0.1, 100, BOTTOM, TOP)
+    all_times = [time for name in DIAGRAMS for control in CONTROLS for _, time in points_of(times, name, control)]
+    low, high = math.floor(math.log10(min(all_times))), math.ceil(math.log10(max(all_times)))
+    decades = [10.0**exponent for exponent in range(low, high + 1)]
+    y = Axis(decades[0], decades[-1], BOTTOM, TOP)
     parts = [f'<svg xmlns="http://www.w3.org/2000/svg" width="{WIDTH}" height="{HEIGHT}" viewBox="0 0 {WIDTH} {HEIGHT}" '
              'font-family="sans-serif" font-size="12">',
              f'<rect width="{WIDTH}" height="{HEIGHT}" fill="white"/>',
              text(18, (TOP + BOTTOM) / 2, "µs a block", extra=f' transform="rotate(-90 18 {(TOP + BOTTOM) / 2})"')]
     for name, panel in zip(DIAGRAMS, PANELS):
-        parts += diagram(times, name, panel, y)
+        parts += diagram(times, name, panel, y, decades)
     return "\n".join(parts + legend() + ["</svg>"]) + "\n"
