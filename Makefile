@@ -3,8 +3,8 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo player player-picture docs test test-full test-x86 build package bench fuzz coverage check-samples \
-        lint format clean
+.PHONY: help demo player player-picture docs test test-full test-x86 build package bench fuzz soak coverage \
+        check-samples lint format clean
 
 JOBS ?= $(shell nproc)
 export JOBS
@@ -21,6 +21,7 @@ help:
 	@echo "make package    one zip and one installer: build/package"
 	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
 	@echo "make fuzz       every fuzzer for FUZZ_SECONDS (60), or for FUZZ_RUNS inputs: a table"
+	@echo "make soak       random lives of the controls for SOAK_SECONDS (600), and what they leave behind"
 	@echo "make coverage   line and branch coverage of the portable core"
 	@echo "make check-samples  compiles the samples in other languages, as far as Debian can"
 	@echo "make lint       formatting, clang-tidy, shell scripts, include arrows"
@@ -47,6 +48,12 @@ test-full:
 test-x86:
 	@tools/bootstrap.sh build test
 	@tools/test-x86
+
+SOAK_SECONDS ?= 600
+soak:
+	@tools/bootstrap.sh build test
+	@tools/build x64 soak
+	@tools/soak $(SOAK_SECONDS) $(SOAK_SEED)
 
 demo:
 	@tools/bootstrap.sh build demo
