@@ -27,7 +27,8 @@ class AutomationObject : public ole::Object, public ole::Dual<Interface> {
     return nullptr;
   }
 
-  /// Does the work of `member`. A Failure leaves "CLASS.MEMBER: TEXT" as the thread's error information.
+  /// Does the work of `member`. A Failure, and a lack of memory, leaves "CLASS.MEMBER: TEXT" as the thread's error
+  /// information.
   template <class Work>
   HRESULT guard(const wchar_t* member, Work&& work) noexcept {
     const ole::KeepAlive alive(*this);
@@ -37,9 +38,11 @@ class AutomationObject : public ole::Object, public ole::Dual<Interface> {
         return S_OK;
       } catch (const Failure& failure) {
         return refuse(failure.result, member, failure.text);
+      } catch (const std::bad_alloc&) {
+        return refuse(E_OUTOFMEMORY, member, L"there is not enough memory.");
       }
     } catch (const std::bad_alloc&) {
-      return E_OUTOFMEMORY;
+      return E_OUTOFMEMORY;  // not even for the text
     } catch (const std::exception&) {
       return E_UNEXPECTED;
     }

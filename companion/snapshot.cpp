@@ -95,10 +95,10 @@ STDMETHODIMP SnapshotObject::Save(BSTR path) {
   return guard(L"Save", [&] {
     const std::wstring name = path ? std::wstring(path, SysStringLen(path)) : std::wstring();
     if (name.empty()) throw badArgument(L"the path is empty.");
-    if (!m_view) throw badMoment(L"there is no control yet: call CreateControl, or put Control, first.");
+    const ComPtr<IViewObject> view = m_view;
+    if (!view) throw badMoment(L"there is no control yet: call CreateControl, or put Control, first.");
     ComPtr<IAudioVisualization4Type1> smoothed;
     if (SUCCEEDED(m_control.As(&smoothed))) tick(settlingSteps);
-    const ComPtr<IViewObject> view = m_view;
     writeFile(name, drawPng(*view.Get(), m_sizePx, m_dpi));
   });
 }
@@ -144,7 +144,7 @@ void SnapshotObject::layOut() {
                     avhost::himetricFromPixels(m_sizePx.cy, m_screenDpi)};
     object->SetExtent(DVASPECT_CONTENT, &extent);
   }
-  // The analyser's columns are pixels of the picture that was drawn last: it has to have its size before the first block.
+  // The analyser's ticks are pixels of the picture that was drawn last: it has to have its size before the first block.
   drawNowhere(*m_view.Get(), m_sizePx);
 }
 

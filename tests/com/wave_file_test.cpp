@@ -224,27 +224,39 @@ TEST_F(WaveFile, LetsGoOfTheFileWhenItIsClosedOrReleased) {
   EXPECT_FALSE(isHeld());
 }
 
-TEST_F(WaveFile, ReadsFilesBeyondTwoGigabytes) {
-  constexpr std::uint32_t frames = 3'000'000'000;
-  const WavOnDisk file(
-      riff({chunk("fmt ", WavFormat{.channels = 1, .bits = 8}.bytes()), chunk("data", {}, frames)}, frames + 36));
+/// Makes the file longer by a hole, and ends it with a byte. The disk holds two pages of it.
+void extendTo(const std::wstring& path, LONGLONG bytes, BYTE last) {
   const HANDLE handle =
-      CreateFileW(file.path().c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+      CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
   ASSERT_NE(INVALID_HANDLE_VALUE, handle);
   LARGE_INTEGER end;
-  end.QuadPart = 44 + LONGLONG{frames} - 1;
-  const BYTE last = 192;
+  end.QuadPart = bytes - 1;
   DWORD written = 0;
-  // A file with a hole: the disk holds two pages of it.
   EXPECT_TRUE(SetFilePointerEx(handle, end, nullptr, FILE_BEGIN) && WriteFile(handle, &last, 1, &written, nullptr));
   CloseHandle(handle);
-  ASSERT_EQ(S_OK, open(file.path()));
-  EXPECT_EQ(frames, m_wave.number(L"Frames"));
-  ASSERT_EQ(S_OK, m_wave.put(L"Position", Value(frames - 2.0)));
-  LateBound block = nextBlock(10);
-  EXPECT_EQ((std::vector<double>{-1, 0.5}), samplesOf(block));
-  EXPECT_EQ(frames, m_wave.number(L"Position"));
-  m_wave.call(L"Close");
+}
+
+TEST_F(WaveFile, ReadsFilesBeyondTwoAndFourGigabytes) {
+  const Bytes format = chunk("fmt ", WavFormat{.channels = 1, .bits = 8}.bytes());
+  for (const std::uint64_t frames : {std::uint64_t{3'000'000'000}, std::uint64_t{5'000'000'000}}) {
+    const bool isLong = frames > 0xFFFFFFFF;
+    Bytes sizes;
+    append(sizes, frames + 80, 8);
+    append(sizes, frames, 8);
+    append(sizes, Bytes(12, 0));
+    const std::int64_t stated = isLong ? 0xFFFFFFFF : static_cast<std::int64_t>(frames);
+    Bytes head = riff({chunk("ds64", sizes), format, chunk("data", {}, stated)}, stated);
+    if (isLong) std::memcpy(head.data(), "RF64", 4);
+    const WavOnDisk file(head);
+    ASSERT_NO_FATAL_FAILURE(extendTo(file.path(), static_cast<LONGLONG>(head.size() + frames), 192));
+    ASSERT_EQ(S_OK, open(file.path()));
+    EXPECT_EQ(static_cast<double>(frames), m_wave.number(L"Frames"));
+    ASSERT_EQ(S_OK, m_wave.put(L"Position", Value(static_cast<double>(frames - 2))));
+    LateBound block = nextBlock(10);
+    EXPECT_EQ((std::vector<double>{-1, 0.5}), samplesOf(block));
+    EXPECT_EQ(static_cast<double>(frames), m_wave.number(L"Position"));
+    m_wave.call(L"Close");
+  }
 }
 
 }  // namespace
