@@ -73,7 +73,7 @@ TEST(HostHeaders, ShowABlockInAViewCreatedThroughItsManifest) {
   expectADrawnBlock(view);
 }
 
-TEST(HostHeaders, HostTheUnfinishedControlsToo) {
+TEST(HostHeaders, HostTheOtherControlsToo) {
   const avhost::Apartment apartment;
   avhost::ControlLibrary library;
   ASSERT_EQ(S_OK, library.loadBesideProgram(L"QELAudioVisualization4.dll"));
