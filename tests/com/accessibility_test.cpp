@@ -144,6 +144,33 @@ TEST_F(Accessibility, ReachesClientsInOtherApartmentsThroughTheControlsThread) {
   EXPECT_EQ(silentTexts, values);
 }
 
+TEST_F(Accessibility, CutsClientsInOtherApartmentsOffWhenTheControlsEnd) {
+  ASSERT_NO_FATAL_FAILURE(hostAll());
+  Texts before, after;
+  std::atomic<bool> asked{false}, ended{false}, done{false};
+  std::thread client([&] {
+    const HRESULT joined = CoInitializeEx(nullptr, COINIT_MULTITHREADED);
+    {
+      const Objects all = objects();
+      before = texts(all, valueOf);
+      asked = true;
+      while (!ended) Sleep(1);
+      after = texts(all, valueOf);
+    }
+    if (SUCCEEDED(joined)) CoUninitialize();
+    done = true;
+  });
+  avhost::pumpUntil(5000, [&] { return asked.load(); });
+  for (const auto& control : m_controls) EXPECT_TRUE(control->end());
+  // The client's references went with the windows: it does not keep the library.
+  EXPECT_EQ(S_OK, m_library.canUnloadNow());
+  ended = true;
+  avhost::pumpUntil(5000, [&] { return done.load(); });
+  client.join();
+  EXPECT_EQ(silentTexts, before);
+  EXPECT_EQ(failedTexts, after);
+}
+
 class AccessibilityHost : public TalkTest {};
 
 TEST_F(AccessibilityHost, MayEndTheControlWhileItIsAskedForItsName) {
