@@ -38,25 +38,35 @@ std::vector<double> result(const InPlace& work, std::size_t length, std::size_t 
   return values;
 }
 
-/// The view's transform, for powers of two, and its levels.
-void addView(std::size_t length) {
-  const auto transform = std::make_shared<dsp::HartleyTransform>(static_cast<int>(length));
+void literalViewLevels(std::span<double> values) {
+  literalHartley(values);
+  literalLevels(values, fullScale, dsp::emptyBinDb, noFloorDb);
+}
+
+/// The view's transform by the kernels from the `first` one on, and its levels.
+void addOwn(const std::string& contender, std::size_t length, std::size_t first) {
+  const auto transform =
+      std::make_shared<dsp::HartleyTransform>(static_cast<int>(length), dsp::hartleyKernels().subspan(first));
+  const dsp::LevelKernel& kernel = *dsp::levelKernels()[first];
   const InPlace own = [transform](auto values) { transform->transform(values); };
-  const InPlace ownLevels = [transform](auto values) {
+  const InPlace ownLevels = [transform, &kernel](auto values) {
     transform->transform(values);
-    dsp::hartleyBinsToLevels(values, fullScale);
+    dsp::hartleyBinsToLevels(values, fullScale, kernel);
   };
-  const InPlace literalLevelsOf = [](auto values) {
-    literalHartley(values);
-    literalLevels(values, fullScale, dsp::emptyBinDb, noFloorDb);
-  };
-  const auto expected = result(literalLevelsOf, length, length);
+  const auto expected = result(literalViewLevels, length, length);
   require(isNear(result(own, length, length), result(literalHartley, length, length), 1e-13), "Hartley transform");
   require(isNear(result(ownLevels, length, length), expected, 1e-12), "Hartley levels");
+  addInPlace("hartley", contender, length, length, own);
+  addInPlace("levels", contender, length, length, ownLevels);
+}
+
+/// The view's transform, for powers of two, and its levels.
+void addView(std::size_t length) {
   addInPlace("hartley", "literal", length, length, literalHartley);
-  addInPlace("hartley", ours, length, length, own);
-  addInPlace("levels", "literal", length, length, literalLevelsOf);
-  addInPlace("levels", ours, length, length, ownLevels);
+  addInPlace("levels", "literal", length, length, literalViewLevels);
+  addOwn(ours, length, 0);
+  for (std::size_t i = 1; i < dsp::hartleyKernels().size(); ++i)
+    addOwn(std::string("ours, ").append(dsp::hartleyKernels()[i]->name), length, i);
 }
 
 /// The meter's, for the other lengths, where it is a thing of its own that no library has.

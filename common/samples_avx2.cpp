@@ -13,7 +13,7 @@ struct Words {
     } else if constexpr (form == SampleForm::signed8) {
       return _mm_cvtepi8_epi32(_mm_loadu_si32(at));
     } else if constexpr (form == SampleForm::signed16) {
-      return _mm_cvtepi16_epi32(_mm_loadu_si64(at));
+      return _mm_cvtepi16_epi32(_mm_loadl_epi64(static_cast<const __m128i*>(address(at))));
     } else if constexpr (form == SampleForm::signed24) {
       // To the top of each word, so that the shift back keeps the sign.
       const __m128i places = _mm_setr_epi8(-1, 0, 1, 2, -1, 3, 4, 5, -1, 6, 7, 8, -1, 9, 10, 11);
