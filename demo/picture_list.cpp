@@ -44,11 +44,14 @@ bool parse(const std::vector<std::wstring>& fields, ListedPicture& picture) {
   picture.name = fields[0];
   picture.control = controlNamed(fields[1]);
   if (std::swscanf(fields[2].c_str(), L"%ldx%ld", &picture.sizePx.cx, &picture.sizePx.cy) != 2) return false;
+  bool behind = false;
   for (size_t i = 3; i < fields.size(); ++i) {
     unsigned number = 0;
     if (readNumber(fields[i], L"frames=", number)) picture.blockFrames = number;
     else if (readNumber(fields[i], L"channels=", number)) picture.channels = static_cast<std::uint16_t>(number);
-    else picture.puts.push_back(fields[i]);
+    else if (readNumber(fields[i], L"ticks=", number)) picture.ticks = number;
+    else if (fields[i] == L"then") behind = true;
+    else (behind ? picture.putsBehind : picture.puts).push_back(fields[i]);
   }
   return !picture.name.empty() && picture.control && picture.sizePx.cx > 0 && picture.sizePx.cy > 0 &&
          picture.blockFrames > 0 && picture.blockFrames <= 65536 && picture.channels > 0 && picture.channels <= 18;
@@ -86,6 +89,13 @@ std::vector<Partial> partialsOf(bool loud, Noise& noise) {
   return partials;
 }
 
+void putAll(const std::wstring& picture, const std::vector<std::wstring>& puts, IDispatch& control) {
+  for (const std::wstring& put : puts) {
+    const Answer answer = putNamed(control, put);
+    if (FAILED(answer.result)) throw Failure{picture + L": the control refuses " + put + L" " + answer.text};
+  }
+}
+
 }  // namespace
 
 std::vector<ListedPicture> readPictureList(const std::filesystem::path& file) {
@@ -104,16 +114,17 @@ std::vector<ListedPicture> readPictureList(const std::filesystem::path& file) {
 }
 
 void prepare(const ListedPicture& picture, IAudioVisualizationTemplate& control) {
-  for (const std::wstring& put : picture.puts) {
-    const Answer answer = putNamed(control, put);
-    if (FAILED(answer.result)) throw Failure{picture.name + L": the control refuses " + put + L" " + answer.text};
-  }
+  constexpr unsigned ticksToRest = 60;
+  putAll(picture.name, picture.puts, control);
   for (const bool loud : {true, false}) {
     const WavRecording sound = listedSound(picture.blockFrames, picture.channels, loud);
     const WAVEFORMATEX& format = *reinterpret_cast<const WAVEFORMATEX*>(sound.format.data());
     const auto bytes = static_cast<LONG>(sound.samples.size());
     require(control.SendAudioData(avhost::audioFrames(format, sound.samples.data(), bytes).get()), L"sending audio");
+    // Its own timer cannot tick: no message is dispatched here.
+    for (unsigned tick = 0; tick < (loud ? ticksToRest : picture.ticks); ++tick) control._OnTimer();
   }
+  putAll(picture.name, picture.putsBehind, control);
 }
 
 WavRecording listedSound(std::uint32_t frames, std::uint16_t channels, bool loud) {

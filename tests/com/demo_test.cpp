@@ -304,7 +304,24 @@ TEST_F(Demo, DrawsTheControlsAndPropertiesOfAList) {
   EXPECT_GT(picture(L"bars").count(0x0080FF), 100) << "lit segments";
 }
 
-TEST_F(Demo, RefusesListsAndPropertiesThatMakeNoSense) {
+TEST_F(FullDemo, DrawsWhatAListPutsAndLetsTickBehindTheSound) {
+  const std::string list =
+      "before\tview\t300x160\tDynamicRange=50\n"  // which the block sets anew
+      "behind\tview\t300x160\tthen\tDynamicRange=50\n"
+      "moving\tview\t300x160\tVisualizationType=2\n"
+      "ticked\tview\t300x160\tVisualizationType=2\tticks=2\n"
+      "again\tview\t300x160\tticks=2\tVisualizationType=2\n";
+  writeFile(folder / L"list.txt", {list.begin(), list.end()});
+  EXPECT_EQ(0u, runDemo(folder, L"--pictures list.txt").exitCode);
+  const auto colours = [&](const wchar_t* name) {
+    return loadPicture((folder / name).wstring() + dpiSuffix() + L".png").colours;
+  };
+  EXPECT_NE(colours(L"before"), colours(L"behind"));
+  EXPECT_NE(colours(L"moving"), colours(L"ticked"));
+  EXPECT_EQ(colours(L"again"), colours(L"ticked"));
+}
+
+TEST_F(FullDemo, RefusesListsAndPropertiesThatMakeNoSense) {
   const std::pair<const char*, DWORD> cases[] = {{"", 2},
                                                  {"name\tview\n", 2},
                                                  {"name\tclock\t300x160\n", 2},
