@@ -24,6 +24,8 @@ _OTHER_MANIFESTS = ["QELAudioVisualization4.ProgIds.manifest"]
 # Documents, and what they show. Anything else that lies in these folders stays at home.
 _DOCUMENTS = (".md", ".png", ".svg")
 _SAMPLES_LEFT_OUT = ("CMakeLists.txt",)
+# What only a web server has a use for.
+_SITE_LEFT_OUT = ("404.html", "sitemap.xml", "sitemap.xml.gz")
 
 
 def _tree(root, folder, keep):
@@ -33,7 +35,7 @@ def _tree(root, folder, keep):
 
 
 def files(root):
-    """{place in the package: file} of everything that is copied as it is. The DLLs have to be built."""
+    """{place in the package: file} of everything that is copied as it is. The DLLs and the site of the documents have to be built."""
     root = pathlib.Path(root)
     found = {name: root / name for name in ("LICENSE", "CHANGELOG.md")}
     for library in LIBRARIES:
@@ -50,4 +52,8 @@ def files(root):
     found.update(_tree(root, "host", lambda p: p.suffix == ".h"))
     found.update(_tree(root, "docs", lambda p: p.suffix in _DOCUMENTS))
     found.update(_tree(root, "samples", lambda p: p.name not in _SAMPLES_LEFT_OUT))
+    site = root / "build/docs/site"
+    pages = {path.relative_to(site).as_posix(): path for path in sorted(site.rglob("*")) if path.is_file()}
+    found.update({f"docs/html/{name}": path for name, path in pages.items()
+                  if name not in _SITE_LEFT_OUT and path.suffix != ".map"})
     return found

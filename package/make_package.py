@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
-"""Makes the zip and the MSI of a tree whose libraries are built:  make_package.py [--out FOLDER]
+"""Makes the zip and the MSI of a tree whose libraries and documents are built:  make_package.py [--out FOLDER]
 
-Two runs on one commit give the same bytes: all times are the commit's (or SOURCE_DATE_EPOCH's).
+Equal files give equal bytes: all times are the one in the environment's SOURCE_DATE_EPOCH. See tools/package.
 """
 
 import argparse
@@ -10,7 +10,6 @@ import pathlib
 import re
 import shutil
 import struct
-import subprocess
 import sys
 
 import archive
@@ -24,16 +23,6 @@ ROOT = pathlib.Path(__file__).resolve().parents[1]
 def version_of(root):
     text = (root / "CMakeLists.txt").read_text(encoding="utf-8")
     return re.search(r"project\(\w+ VERSION (\d+\.\d+\.\d+)", text)[1]
-
-
-def time_of(root):
-    """Seconds since 1970 that the package is dated with."""
-    if "SOURCE_DATE_EPOCH" in os.environ:
-        return int(os.environ["SOURCE_DATE_EPOCH"])
-    run = subprocess.run(["git", "-C", root, "log", "-1", "--format=%ct"], capture_output=True, text=True, check=False)
-    if run.returncode != 0:
-        raise SystemExit("package: no git repository; set SOURCE_DATE_EPOCH to the seconds since 1970 to date it with")
-    return int(run.stdout)
 
 
 def dll_version(path):
@@ -68,7 +57,7 @@ def main():
     parser = argparse.ArgumentParser()
     parser.add_argument("--out", type=pathlib.Path, default=ROOT / "build/package")
     out = parser.parse_args().out.resolve()
-    version, seconds = version_of(ROOT), time_of(ROOT)
+    version, seconds = version_of(ROOT), int(os.environ["SOURCE_DATE_EPOCH"])
     name = f"{installer.PRODUCT}-{version}"
     work = out.parent / f"{out.name}-stage"
     stage(ROOT, work / name, version, seconds)

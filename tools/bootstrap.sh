@@ -12,13 +12,13 @@ packagesOf() {
                 googletest python3 wine wine64 ;;
     # libclang-common-14-dev has the header that the replayed inputs of the fuzzers are read with.
     test) echo wine wine64 fonts-liberation googletest python3 libclang-common-14-dev ;;
-    test-full) echo xvfb xdotool ;;
+    test-full) echo xvfb xdotool clang-14 ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
     docs) echo mkdocs mkdocs-material python3 python3-yaml python3-selenium chromium chromium-driver fonts-liberation ;;
     player) echo wine wine64 fonts-liberation ;;
     player-picture) echo xvfb ;;
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
-    package) echo msitools wixl faketime python3 ;;
+    package) echo msitools wixl faketime mkdocs mkdocs-material python3 python3-yaml ;;
     fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
