@@ -35,7 +35,7 @@ def _tree(root, folder, keep):
 
 
 def files(root):
-    """{place in the package: file} of everything that is copied as it is. The DLLs and the site of the documents have to be built."""
+    """{place in the package: file} of everything that is copied as it is. The DLLs and the site have to be built."""
     root = pathlib.Path(root)
     found = {name: root / name for name in ("LICENSE", "CHANGELOG.md")}
     for library in LIBRARIES:

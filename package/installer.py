@@ -48,7 +48,7 @@ def package_code(folder, version):
 
 
 def _belongs(name):
-    """Whether a file of the package is installed. The scripts are for those who unpack the zip; here tables register."""
+    """Whether a file of the package is installed. Scripts are for those who unpack the zip; here tables register."""
     return not name.endswith(".cmd") and not name.startswith("registry/") and name != "SHA256SUMS"
 
 
@@ -66,8 +66,8 @@ class _Tree:
 
     def __init__(self, names, arch):
         self.arch = arch
-        # The licence goes with the libraries wherever they lie. (Wine, too, removes the folder then: it looks at folders
-        # with files of their own only.)
+        # The licence goes with the libraries wherever they lie. (And Wine removes the folder then: it looks only at
+        # folders with files of their own.)
         self.names = sorted(n for n in names if _arch_of(n) == arch or n == "LICENSE")
         self.components = {}  # feature: component identifiers
 

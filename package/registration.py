@@ -70,7 +70,7 @@ def read_type_library(path):
 
 
 def read_object_map(path):
-    """(class name, friendly name, ProgID or nothing) of each class in module.cpp's table, in the order of registering."""
+    """(name, friendly name, ProgID or nothing) of each class in module.cpp's table, in the order of registering."""
     text = pathlib.Path(path).read_text(encoding="utf-8")
     classes = re.findall(r'\{&CLSID_(\w+),\s*L"([^"]+)",[^{}]*\}(?:,\s*L"([^"]+)"\})?', text)
     if not classes:
@@ -93,7 +93,8 @@ def _type_library_entries(library, bits):
         path = f"Interface\\{identifier}"
         entries += [
             *key(path, name), *key(f"{path}\\ProxyStubClsid", marshaller),
-            *key(f"{path}\\ProxyStubClsid32", marshaller), *key(f"{path}\\TypeLib", library.id), Entry(f"{path}\\TypeLib", "Version", library.version)]
+            *key(f"{path}\\ProxyStubClsid32", marshaller), *key(f"{path}\\TypeLib", library.id),
+            Entry(f"{path}\\TypeLib", "Version", library.version)]
         roots.append(path)
     return entries, roots
 
