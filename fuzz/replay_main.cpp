@@ -20,11 +20,12 @@ struct Target {
 };
 
 constexpr Target targets[] = {
-    {"audio_blocks", av::fuzz::audioBlocks},           {"extent_streams", av::fuzz::extentStreams},
-    {"property_puts", av::fuzz::propertyPuts},         {"spectrum_kernels", av::fuzz::spectrumKernels},
-    {"view_analysis", av::fuzz::viewAnalysis},         {"meter_analysis", av::fuzz::meterAnalysis},
-    {"analyser_analysis", av::fuzz::analyserAnalysis}, {"view_frames", av::fuzz::viewFrames},
-    {"meter_frames", av::fuzz::meterFrames},           {"analyser_frames", av::fuzz::analyserFrames},
+    {"audio_blocks", av::fuzz::audioBlocks},         {"wave_files", av::fuzz::waveFiles},
+    {"extent_streams", av::fuzz::extentStreams},     {"property_puts", av::fuzz::propertyPuts},
+    {"spectrum_kernels", av::fuzz::spectrumKernels}, {"view_analysis", av::fuzz::viewAnalysis},
+    {"meter_analysis", av::fuzz::meterAnalysis},     {"analyser_analysis", av::fuzz::analyserAnalysis},
+    {"view_frames", av::fuzz::viewFrames},           {"meter_frames", av::fuzz::meterFrames},
+    {"analyser_frames", av::fuzz::analyserFrames},
 };
 
 std::vector<std::filesystem::path> filesIn(const std::filesystem::path& path) {

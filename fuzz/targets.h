@@ -9,6 +9,7 @@ namespace av::fuzz {
 using Bytes = std::span<const std::uint8_t>;
 
 void audioBlocks(Bytes bytes);       ///< wave formats, decoding, mixing
+void waveFiles(Bytes bytes);         ///< WAV files
 void extentStreams(Bytes bytes);     ///< the persisted extent
 void propertyPuts(Bytes bytes);      ///< settings rules of the three controls, names of the level meter
 void spectrumKernels(Bytes bytes);   ///< vector kernels against the plain operations
