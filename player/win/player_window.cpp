@@ -23,8 +23,10 @@ constexpr UINT_PTR timerId = 1;
 constexpr UINT timerMs = 10;
 /// The pace of the blocks.
 constexpr double blockMs = 40;
-/// A still sound is sent for so long after a change, until smoothed curves and falling columns have come to rest.
+/// A paused sound is sent at that pace for so long after a change, until smoothed curves and ticks have come to rest.
 constexpr double settleMs = 1500;
+/// From then on seldom, and only because the analyser's columns fall half a second after the last block.
+constexpr double pausedBlockMs = 200;
 constexpr double refreshMs = 500;
 constexpr double seekStepS = 5;
 constexpr const wchar_t* fileNames[controlCount] = {L"view", L"meter", L"analyser"};
@@ -246,7 +248,11 @@ void PlayerWindow::setFullScreen(bool on) {
 
 // Time.
 
-void PlayerWindow::settle() { m_settledMs = SoundThread::nowMs() + settleMs; }
+void PlayerWindow::settle() {
+  const double nowMs = SoundThread::nowMs();
+  m_settledMs = nowMs + settleMs;
+  m_nextBlockMs = std::min(m_nextBlockMs, nowMs + blockMs);
+}
 
 void PlayerWindow::onTimer() {
   if (!m_playback) return;
@@ -254,7 +260,8 @@ void PlayerWindow::onTimer() {
   const SoundThread::State state = m_playback->state();
   if (nowMs >= m_nextBlockMs) {
     // Late blocks are not made up for.
-    m_nextBlockMs = std::max(m_nextBlockMs, nowMs - blockMs) + blockMs;
+    const double paceMs = state.playing || nowMs < m_settledMs ? blockMs : pausedBlockMs;
+    m_nextBlockMs = std::max(m_nextBlockMs, nowMs - paceMs) + paceMs;
     sendBlocks(state, nowMs);
     showTransport(state);
   }
@@ -271,7 +278,7 @@ void PlayerWindow::sendBlocks(const SoundThread::State& state, double nowMs) {
   if (m_wasPlaying && atEnd) m_endedMs = nowMs;
   if (!atEnd) m_endedMs = 0;
   m_wasPlaying = state.playing;
-  if (!state.playing && nowMs > m_settledMs) return;
+  if (atEnd && nowMs > m_settledMs) return;
   // Behind the end comes silence, in which bars and ticks fall.
   const double behindEndMs = m_endedMs > 0 ? nowMs - m_endedMs : 0;
   m_blocks.send(m_controls, *m_sound,

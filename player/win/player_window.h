@@ -109,7 +109,7 @@ class PlayerWindow final : public Window {
   BlockSender m_blocks;
   std::wstring m_title;
   double m_nextBlockMs = 0;
-  double m_settledMs = 0;  ///< until when a still sound is sent again and again
+  double m_settledMs = 0;  ///< until when a paused sound is sent at full pace
   double m_endedMs = 0;    ///< when it came to its end; 0: it has not
   double m_nextRefreshMs = 0;
   bool m_wasPlaying = false;
