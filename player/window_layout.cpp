@@ -143,7 +143,7 @@ RowsLayout layOutRows(const std::vector<RowKind>& kinds, int widthPx, int dpi) {
   int y = 0;
   const int left = px(margin);
   const int inner = std::max(0, widthPx - 2 * left);
-  const int labelWidth = inner * 48 / 100;
+  const int labelWidth = inner * 50 / 100;
   for (const RowKind kind : kinds) {
     RowLayout row;
     row.row = {0, y, widthPx, px(kind == RowKind::heading ? headingHeight : rowHeight)};
