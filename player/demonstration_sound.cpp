@@ -28,7 +28,8 @@ class Mix {
   void add(double startS, double soundS, double volume, double pan, Wave wave) {
     const auto count = static_cast<std::size_t>(soundS * rateHz);
     std::size_t at = static_cast<std::size_t>(startS * rateHz) % m_left.size();
-    const double left = volume * std::cos(pan * pi / 2), right = volume * std::sin(pan * pi / 2);
+    const double left = volume * std::cos(pan * pi / 2);
+    const double right = volume * std::sin(pan * pi / 2);
     for (std::size_t i = 0; i < count; ++i) {
       const double value = wave(static_cast<double>(i) / rateHz);
       m_left[at] += left * value;
@@ -98,7 +99,7 @@ Sound demonstrationSound() {
       {{57, 60, 64, 67}, {53, 57, 60, 64}, {60, 64, 67, 71}, {55, 59, 62, 69}}};
   constexpr std::array<int, 8> order = {0, 2, 1, 3, 2, 0, 3, 1};
   Mix mix;
-  std::minstd_rand random(20);
+  std::minstd_rand random(20);  // NOLINT(cert-msc32-c,cert-msc51-cpp): the same sound every time
   for (int step = 0; step < bars * stepsPerBar; ++step) {
     const auto& chord = chords[static_cast<std::size_t>(step / stepsPerBar)];
     const int inBar = step % stepsPerBar;

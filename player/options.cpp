@@ -24,14 +24,20 @@ const wchar_t usage[] =
 
 namespace {
 
+/// A whole number from 100 to 8000.
+bool readLength(const std::wstring& text, int& length) {
+  constexpr long smallest = 100;
+  constexpr long largest = 8000;
+  wchar_t* end = nullptr;
+  const long value = std::wcstol(text.c_str(), &end, 10);
+  length = static_cast<int>(value);
+  return !text.empty() && *end == L'\0' && value >= smallest && value <= largest;
+}
+
 bool readSize(const std::wstring& text, Options& options) {
-  wchar_t behind = 0;
-  int width = 0, height = 0;
-  if (std::swscanf(text.c_str(), L"%dx%d%lc", &width, &height, &behind) != 2) return false;
-  if (width < 100 || height < 100 || width > 8000 || height > 8000) return false;
-  options.width96 = width;
-  options.height96 = height;
-  return true;
+  const std::size_t x = text.find(L'x');
+  return x != std::wstring::npos && readLength(text.substr(0, x), options.width96) &&
+         readLength(text.substr(x + 1), options.height96);
 }
 
 bool readSeconds(const std::wstring& text, double& seconds) {

@@ -1,6 +1,7 @@
 #include "player/value_text.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 
@@ -15,9 +16,9 @@ char lowered(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' +
 
 template <class Number>
 std::string formatNumber(Number value) {
-  char buffer[64];
-  const auto end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
-  return std::string(buffer, end);
+  std::array<char, 64> buffer{};
+  const auto* end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+  return {static_cast<const char*>(buffer.data()), end};
 }
 
 /// The whole text as one number.

@@ -26,7 +26,7 @@ ARROWS = {
     "demo": ["host", "wave", "generated"],
     "samples": ["host", "generated"],
     "player": [],
-    "player/win": ["player", "demo", "host", "generated"],
+    "player/win": ["player", "wave", "host", "generated"],
     "companion": ["host", "ole", "runtime", "wave", "generated"],
 }
 for control in ("type1", "type2", "type3"):

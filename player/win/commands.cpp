@@ -1,5 +1,7 @@
 #include "player/win/commands.h"
 
+#include <algorithm>
+
 namespace avplayer {
 
 namespace {
@@ -66,6 +68,40 @@ std::wstring withoutMarks(const wchar_t* text) {
   return plainText;
 }
 
+/// The tab stops of a message box: every eight average letters of its font.
+class TabStops {
+ public:
+  TabStops() : m_screen(GetDC(nullptr)) {
+    NONCLIENTMETRICSW metrics = {};
+    metrics.cbSize = sizeof metrics;
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
+    m_font = CreateFontIndirectW(&metrics.lfMessageFont);
+    m_before = SelectObject(m_screen, m_font);
+    TEXTMETRICW text = {};
+    GetTextMetricsW(m_screen, &text);
+    m_stop = std::max<int>(1, 8 * text.tmAveCharWidth);
+  }
+  TabStops(const TabStops&) = delete;
+  TabStops& operator=(const TabStops&) = delete;
+  ~TabStops() {
+    SelectObject(m_screen, m_before);
+    DeleteObject(m_font);
+    ReleaseDC(nullptr, m_screen);
+  }
+  /// How many stops a text reaches over.
+  int stopsIn(const wchar_t* text) const {
+    SIZE size = {};
+    GetTextExtentPoint32W(m_screen, text, lstrlenW(text), &size);
+    return size.cx / m_stop;
+  }
+
+ private:
+  HDC m_screen;
+  HFONT m_font;
+  HGDIOBJ m_before;
+  int m_stop;
+};
+
 }  // namespace
 
 HMENU makeMenu() {
@@ -111,11 +147,18 @@ void fillPresetMenu(HMENU menu, const std::vector<std::wstring>& names, const st
 }
 
 std::wstring keyHelp() {
-  std::wstring text;
+  const TabStops stops;
+  int column = 0;
   for (const Line& line : lines)
-    if (line.id != 0) text += std::wstring(line.keyName) + L"\t" + withoutMarks(line.text) + L"\n";
+    if (line.id != 0) column = std::max(column, stops.stopsIn(line.keyName) + 1);
+  std::wstring text;
+  for (const Line& line : lines) {
+    if (line.id == 0) continue;
+    const std::wstring tabs(static_cast<std::size_t>(column - stops.stopsIn(line.keyName)), L'\t');
+    text += line.keyName + tabs + withoutMarks(line.text) + L"\n";
+  }
   text +=
-      L"\nWith the keyboard on the stage: Space plays or pauses, Left and Right seek,\n1, 2 and 3 select a control."
+      L"\nWith the keyboard on the stage: Space plays or pauses, Left and Right seek, 1, 2 and 3 select a control."
       L"\nIn a property: Enter puts it, Esc brings the old value back, Up and Down step.";
   return text;
 }
