@@ -18,8 +18,10 @@ class TextStrip {
       : m_texts(texts), m_strip(strip), m_gapPx(gapPx), m_measure(measure) {}
 
   /// Appends a text that is drawn centred in `rect`, unless it would leave the strip or come too close to another.
+  /// A text without a size, as one measures when the system fails, is left out too: any number of them would fit.
   bool add(std::string text, const Rect& rect) {
     const Rect ink = inkOf(text, rect);
+    if (ink.isEmpty()) return false;
     if (ink.left < m_strip.left || ink.right > m_strip.right || ink.top < m_strip.top || ink.bottom > m_strip.bottom)
       return false;
     for (const Rect& other : m_inks)

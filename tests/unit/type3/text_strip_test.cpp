@@ -32,6 +32,16 @@ TEST_F(TextStripTest, RefusesWhatLeavesIt) {
   EXPECT_EQ(texts.size(), 2u);
 }
 
+TEST_F(TextStripTest, RefusesTextsThatCannotBeMeasured) {
+  struct NoFont final : TextMeasure {
+    Size measure(std::string_view) const override { return {}; }
+  };
+  const NoFont noFont;
+  TextStrip unmeasured(texts, {100, 50, 200, 70}, 3, noFont);
+  EXPECT_FALSE(unmeasured.add("1", {120, 50, 128, 70}));
+  EXPECT_EQ(texts.size(), 1u);
+}
+
 TEST_F(TextStripTest, RefusesWhatComesTooCloseToAnother) {
   EXPECT_TRUE(strip.add("1", {120, 50, 128, 70}));
   EXPECT_FALSE(strip.add("2", {130, 50, 138, 70}));
