@@ -16,6 +16,23 @@ std::atomic<std::int64_t> untilFailure{-1};  // allocations before the one that 
 std::atomic<bool> failsForEver{false};
 std::atomic<std::uint64_t> failureCount{0};
 
+}  // namespace
+
+#if defined(__SANITIZE_ADDRESS__)
+#define AV_SANITIZED 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define AV_SANITIZED 1
+#endif
+#endif
+
+#ifdef AV_SANITIZED
+const bool av::test::allocationsAreCounted = false;
+#else
+const bool av::test::allocationsAreCounted = true;
+
+namespace {
+
 /// Counts an allocation. Whether it is to fail.
 bool countAndFail() noexcept {
   count.fetch_add(1, std::memory_order_relaxed);
@@ -39,19 +56,6 @@ void* countDeleted(void* memory) noexcept {
 }
 
 }  // namespace
-
-#if defined(__SANITIZE_ADDRESS__)
-#define AV_SANITIZED 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define AV_SANITIZED 1
-#endif
-#endif
-
-#ifdef AV_SANITIZED
-const bool av::test::allocationsAreCounted = false;
-#else
-const bool av::test::allocationsAreCounted = true;
 
 // The forms that are not replaced here (of arrays, nothrow) call these.
 void* operator new(std::size_t size) { return counted(countAndFail() ? nullptr : std::malloc(size == 0 ? 1 : size)); }
