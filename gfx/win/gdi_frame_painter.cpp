@@ -31,28 +31,36 @@ void GdiFramePainter::fill(std::span<const ColumnFill> fills, std::span<const Pr
   }
 }
 
-void GdiFramePainter::draw(const Polylines& lines) noexcept {
+bool GdiFramePainter::draw(const Polylines& lines) noexcept {
+  bool complete = true;
   for (const Polyline& line : lines.lines) {
     const GdiObject pen(CreatePen(PS_SOLID, 1, gdiColour(line.colour)));
-    if (!pen) continue;
     const GdiSelection selected(m_surface.dc(), pen.get());
     const std::span<const Point> points = lines.pointsOf(line);
-    ::Polyline(m_surface.dc(), reinterpret_cast<const POINT*>(points.data()), static_cast<int>(points.size()));
+    if (!pen || !selected ||
+        !::Polyline(m_surface.dc(), reinterpret_cast<const POINT*>(points.data()), static_cast<int>(points.size())))
+      complete = false;
   }
+  return complete;
 }
 
-void GdiFramePainter::draw(std::span<const TextRun> texts, HFONT font, Argb background) noexcept {
-  if (!font) return;
+bool GdiFramePainter::draw(std::span<const TextRun> texts, HFONT font, Argb background) noexcept {
+  if (!font || texts.empty()) return true;
   const HDC dc = m_surface.dc();
   const GdiSelection selected(dc, font);
+  if (!selected) return false;
+  bool complete = true;
   SetBkMode(dc, OPAQUE);
   SetBkColor(dc, gdiColour(background));
   for (const TextRun& run : texts) {
     SetTextColor(dc, gdiColour(run.colour));
     const AsciiText text(run.text);
     RECT rect{run.rect.left, run.rect.top, run.rect.right, run.rect.bottom};
-    DrawTextW(dc, text.data(), text.length(), &rect, DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP | DT_NOPREFIX);
+    if (!DrawTextW(dc, text.data(), text.length(), &rect,
+                   DT_CENTER | DT_VCENTER | DT_SINGLELINE | DT_NOCLIP | DT_NOPREFIX))
+      complete = false;
   }
+  return complete;
 }
 
 }  // namespace av

@@ -11,7 +11,8 @@
 namespace av {
 
 /// Replays frame parts into an off-screen picture with GDI's own pixels, in the order of the calls. Fills are written
-/// straight into the picture's memory; what GDI refuses (out of memory, most of all) is left out.
+/// straight into the picture's memory; what GDI refuses (out of memory, most of all) is left out, and the call returns
+/// false.
 /// [control thread]
 class GdiFramePainter {
  public:
@@ -23,9 +24,9 @@ class GdiFramePainter {
   /// Rows of `columns`, which the fills number. What a fill asks for of a column that is not there is left as it is.
   void fill(std::span<const ColumnFill> fills, std::span<const PreparedColumn> columns) noexcept;
   /// Lines a pixel wide. As GDI draws them, the last point of each does not belong to it.
-  void draw(const Polylines& lines) noexcept;
+  bool draw(const Polylines& lines) noexcept;
   /// Texts in `font`, each on a ground of one colour as large as itself; none without a font.
-  void draw(std::span<const TextRun> texts, HFONT font, Argb background) noexcept;
+  bool draw(std::span<const TextRun> texts, HFONT font, Argb background) noexcept;
 
  private:
   DibSurface& m_surface;

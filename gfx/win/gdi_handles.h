@@ -24,6 +24,9 @@ class GdiSelection {
   GdiSelection(const GdiSelection&) = delete;
   GdiSelection& operator=(const GdiSelection&) = delete;
 
+  /// False where the system has refused.
+  explicit operator bool() const noexcept { return m_previous != nullptr; }
+
  private:
   HDC m_dc;
   HGDIOBJ m_previous;

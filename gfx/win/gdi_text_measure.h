@@ -17,8 +17,12 @@ class GdiTextMeasure final : public TextMeasure {
   /// Height of a line in pixels; 0 where the system fails.
   int lineHeightPx() const noexcept;
 
+  /// Whether the system has failed to measure anything so far, so that a layout of these sizes is none.
+  bool hasFailed() const noexcept { return m_hasFailed; }
+
  private:
   HDC m_dc;
+  mutable bool m_hasFailed = false;
 };
 
 }  // namespace av

@@ -26,12 +26,14 @@ Size GdiplusTextMeasure::measure(std::string_view text) const {
   if (!m_graphics || !m_font) return {};
   if (const auto known = m_known.find(text); known != m_known.end()) return known->second;
   if (!m_format) m_format = createCentredFormat();
+  m_hasFailed = m_hasFailed || !m_format;
   if (!m_format) return {};
   const AsciiText wide(text);
   const RectF unbounded(0, 0, 0, 0);
   RectF box;
   if (GdipMeasureString(m_graphics, wide.data(), wide.length(), m_font, &unbounded, m_format.get(), &box, nullptr,
                         nullptr) != Ok) {
+    m_hasFailed = true;
     return {};
   }
   const auto whole = [](REAL length) { return std::min(truncToInt(std::ceil(double{length})), largestTextPx); };

@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <string>
+#include <utility>
 
 namespace av {
 
@@ -19,12 +20,16 @@ class GdiplusTextMeasure final : public TextMeasure {
 
   Size measure(std::string_view text) const override;
 
+  /// Whether the system has failed to measure a text since this was last asked, so that a frame of these sizes is none.
+  bool takeFailure() noexcept { return std::exchange(m_hasFailed, false); }
+
   /// Lets the GDI+ object go; has to happen before the GDI+ token ends.
   void release() noexcept;
 
  private:
   Gdiplus::GpGraphics* m_graphics = nullptr;
   const Gdiplus::GpFont* m_font = nullptr;
+  mutable bool m_hasFailed = false;
   mutable StringFormatHandle m_format;
   mutable std::map<std::string, Size, std::less<>> m_known;
 };

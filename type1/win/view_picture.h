@@ -56,11 +56,13 @@ class ViewPicture {
   FontHandle m_drawingFont;      // made from m_font when it is first needed
   LOGFONTW m_fontDescription{};  // what m_drawingFont was made from
   int m_textHeightPx = 0;
+  bool m_isMeasured = false;  // m_textHeightPx is that of the font, and 0 only where there is none
   OffscreenSurface m_surface;
   ViewPainter m_painter;
   GdiplusTextMeasure m_measure;
   Gdiplus::GpGraphics* m_measuredOn = nullptr;
   ViewLayout m_layout;
+  bool m_isLaidOut = true;  // false: m_layout was computed without the font's height, as the system failed
   ViewFrame m_frame;
 };
 

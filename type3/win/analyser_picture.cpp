@@ -22,6 +22,7 @@ AnalyserPicture::AnalyserPicture() noexcept : m_font(createDefaultScaleFont(defa
 
 void AnalyserPicture::prepareFont() {
   // A font object is the host's code, which may put another one while it is asked.
+  if (!m_font) m_font = createDefaultScaleFont(defaultFontPoints);  // there was no memory for it
   const Microsoft::WRL::ComPtr<IFontDisp> font = m_font;
   const LOGFONTW description = describeScaleFont(font.Get());
   if (m_drawingFont && sameFont(m_fontDescription, description)) return;
@@ -34,10 +35,12 @@ void AnalyserPicture::arrange(Arrangement& arrangement, const AnalyserSettings& 
   {
     const GdiSelection selected(dc, m_drawingFont.get());
     const GdiTextMeasure measure(dc);
+    arrangement.complete = false;
     arrangement.layout = {};  // no picture's, should the memory for the columns fail
     const AnalyserLayout computed = computeLayout(settings, size, m_drawingFont ? measure.lineHeightPx() : 0, measure);
     rebuildColumnImages(arrangement.images, settings, computed.areaHeightPx);
     arrangement.layout = computed;
+    arrangement.complete = m_drawingFont ? selected && !measure.hasFailed() : m_fontDescription.lfHeight == 0;
   }
   DeleteDC(dc);
 }
@@ -67,7 +70,7 @@ void AnalyserPicture::paint(HDC target, const RECT& bounds, const AnalyserSettin
   if (!own) scaleColumns(m_columns, m_own.layout.areaHeightPx, arrangement.layout.areaHeightPx);
 
   buildColumns(m_frame, settings, arrangement.layout, arrangement.images, m_columns);
-  paintFurniture(arrangement, settings, axis);
+  if (!paintFurniture(arrangement, settings, axis)) return;
   const std::array<PreparedColumn, 3> images{arrangement.images[unlitColumn], arrangement.images[litColumn],
                                              arrangement.images[flippedLitColumn]};
   m_painter.fill(m_frame.columns, images);
@@ -75,20 +78,22 @@ void AnalyserPicture::paint(HDC target, const RECT& bounds, const AnalyserSettin
   m_surface.copyTo(target, {bounds.left, bounds.top});
 }
 
-void AnalyserPicture::paintFurniture(const Arrangement& arrangement, const AnalyserSettings& settings,
+bool AnalyserPicture::paintFurniture(const Arrangement& arrangement, const AnalyserSettings& settings,
                                      const BandAxis& axis) {
   const bool own = &arrangement == &m_own;
   if (own && m_furniture == FurnitureKey{settings, axis}) {
     std::ranges::copy(m_furniturePixels, m_surface.pixels().begin());
-    return;
+    return true;
   }
+  m_furniture.reset();
   {
     const GdiSelection selected(m_surface.dc(), m_drawingFont.get());
-    buildFurniture(m_frame, settings, arrangement.layout, arrangement.images, axis, GdiTextMeasure(m_surface.dc()));
+    const GdiTextMeasure measure(m_surface.dc());
+    buildFurniture(m_frame, settings, arrangement.layout, arrangement.images, axis, measure);
+    if (m_drawingFont && (!selected || measure.hasFailed())) return false;
   }
-  drawFurniture(arrangement.images);
-  if (!own) return;
-  m_furniture.reset();
+  if (!arrangement.complete || !drawFurniture(arrangement.images)) return false;
+  if (!own) return true;
   try {
     const std::span<const Argb> pixels = m_surface.pixels();
     m_furniturePixels.assign(pixels.begin(), pixels.end());
@@ -96,16 +101,17 @@ void AnalyserPicture::paintFurniture(const Arrangement& arrangement, const Analy
   } catch (const std::bad_alloc&) {
     // The next paint draws it again.
   }
+  return true;
 }
 
-void AnalyserPicture::drawFurniture(const ColumnImages& images) {
+bool AnalyserPicture::drawFurniture(const ColumnImages& images) {
   m_painter.clear(m_frame.background);
   m_painter.fill(m_frame.strips);
   const std::array<PreparedColumn, 1> unlit{images[unlitColumn]};
   m_painter.fill(m_frame.unlit, unlit);
   m_painter.fill(m_frame.gaps);
-  m_painter.draw(m_frame.texts, static_cast<HFONT>(m_drawingFont.get()), m_frame.textBackground);
-  m_painter.draw(m_frame.border);
+  return m_painter.draw(m_frame.texts, static_cast<HFONT>(m_drawingFont.get()), m_frame.textBackground) &&
+         m_painter.draw(m_frame.border);
 }
 
 HRESULT AnalyserPicture::font(IFontDisp** font) const {

@@ -39,12 +39,15 @@ class AnalyserPicture {
 
   /// Size of the own picture; empty before the first layout.
   Size size() const noexcept { return m_own.layout.size; }
+  /// Whether the own picture's layout is what it should be. Where the system failed to measure texts it is made again.
+  bool isLaidOut() const noexcept { return m_own.layout.size != Size{} && m_own.complete; }
   /// Height of its column area in pixels.
   int columnAreaHeightPx() const noexcept { return m_own.layout.areaHeightPx; }
 
   /// Draws the frame of this moment and copies it to `bounds` of `target` in one piece: the own picture or, where the size
   /// is another one, a picture of that size with a layout of its own, to which the columns are scaled.
-  /// The columns are copied under their lock and drawn without it. Throws std::bad_alloc, with nothing drawn.
+  /// The columns are copied under their lock and drawn without it. Throws std::bad_alloc, with nothing drawn. Nothing is
+  /// drawn either where GDI fails: the target keeps what it shows, and the next paint tries again.
   void paint(HDC target, const RECT& bounds, const AnalyserSettings& settings, const BandAxis& axis, LineList& columns);
 
   /// The scale font, counted for the caller.
@@ -60,6 +63,7 @@ class AnalyserPicture {
   struct Arrangement {
     AnalyserLayout layout;
     ColumnImages images;
+    bool complete = true;  ///< false: the system failed to measure texts, so that the layout does without
   };
   /// What the kept furniture shows.
   struct FurnitureKey {
@@ -71,8 +75,8 @@ class AnalyserPicture {
 
   void prepareFont();
   void arrange(Arrangement& arrangement, const AnalyserSettings& settings, Size size);
-  void paintFurniture(const Arrangement& arrangement, const AnalyserSettings& settings, const BandAxis& axis);
-  void drawFurniture(const ColumnImages& images);
+  bool paintFurniture(const Arrangement& arrangement, const AnalyserSettings& settings, const BandAxis& axis);
+  bool drawFurniture(const ColumnImages& images);
 
   Microsoft::WRL::ComPtr<IFontDisp> m_font;
   LOGFONTW m_fontDescription{};  // what m_drawingFont was made from

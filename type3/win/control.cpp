@@ -147,7 +147,7 @@ void CAudioVisualization4Type3::layout() {
 }
 
 int CAudioVisualization4Type3::columnAreaHeightPx() {
-  if (m_picture.size() == Size{}) layout();
+  if (!m_picture.isLaidOut()) layout();
   return m_picture.columnAreaHeightPx();
 }
 
@@ -155,8 +155,10 @@ void CAudioVisualization4Type3::draw(HDC target, const RECT& bounds) {
   try {
     const Size size{bounds.right - bounds.left, bounds.bottom - bounds.top};
     // What its container draws of an inactive control is its picture from then on; beside an active control's window
-    // it is another one.
-    if (!clientSize() && m_picture.size() != size) {
+    // it is another one. A layout that failed is made again.
+    if (m_picture.size() == size) {
+      if (!m_picture.isLaidOut()) m_picture.layout(m_settings, size);
+    } else if (!clientSize()) {
       const int before = m_picture.columnAreaHeightPx();
       m_picture.layout(m_settings, size);
       m_analysis.moveColumns(m_settings, before, m_picture.columnAreaHeightPx());
