@@ -75,12 +75,11 @@ class CompanionScripts : public testing::Test {
     }
   }
 
-  /// The black plot's share of a row in the middle: the scale's strip, in the face colour, is to its right.
+  /// What the scale's strip leaves of the top row, which its texts do not reach.
   static int plotWidthOf(const WindowPicture& picture) {
-    int last = 0;
-    for (int x = 0; x < picture.width; ++x)
-      if (picture.at(x, 5) == 0) last = x;
-    return last + 1;
+    int width = picture.width;
+    while (width > 0 && picture.at(width - 1, 0) == picture.at(picture.width - 1, 0)) --width;
+    return width;
   }
 
   avhost::Apartment m_apartment;
