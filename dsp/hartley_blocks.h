@@ -10,14 +10,14 @@ namespace av::dsp {
 /// One stage in the blocks of a vector's lanes, element j of which are `x[j]`.
 template <int span, class V>
 AV_ALWAYS_INLINE void joinBlock(V* x, const HartleyTwiddle* twiddles) noexcept {
-  constexpr int quarter = span / 4;
-  constexpr int eighth = span / 8;
+  constexpr std::size_t quarter = span / 4;
+  constexpr std::size_t eighth = span / 8;
   joinFirst(x[0], x[quarter], x[2 * quarter], x[3 * quarter]);
   if constexpr (eighth > 0) {
     V* const middle = x + eighth;
     joinMiddle(middle[0], middle[quarter], middle[2 * quarter], middle[3 * quarter]);
   }
-  for (int k = 1; k < eighth; ++k) {
+  for (std::size_t k = 1; k < eighth; ++k) {
     HartleyGroup<V> group{};
     unrolled<4>([&]<int n>() AV_INLINED {
       group.index[n] = x[n * quarter + k];
@@ -40,11 +40,11 @@ AV_ALWAYS_INLINE void joinFromTheStart(V* x, const HartleyTwiddle* twiddles, Rea
     V values[part];
     unrolled<part>([&]<int j>() AV_INLINED { values[j] = read(start + j); });
     if constexpr (part == 16) {
-      unrolled<4>([&]<int n>() AV_INLINED { joinBlock<4>(values + 4 * n, twiddles); });
+      unrolled<4>([&]<int n>() AV_INLINED { joinBlock<4>(&values[4 * n], twiddles); });
     } else {
       unrolled<4>([&]<int n>() AV_INLINED { sumAndDifference(values[2 * n], values[2 * n + 1]); });
     }
-    joinBlock<part>(values, twiddles);
+    joinBlock<part>(&values[0], twiddles);
     unrolled<part>([&]<int j>() AV_INLINED { x[start + j] = values[j]; });
   }
   joinBlock<span>(x, twiddles + twiddleCount(part));
@@ -54,6 +54,7 @@ AV_ALWAYS_INLINE void joinFromTheStart(V* x, const HartleyTwiddle* twiddles, Rea
 /// by side, one a lane, so that no stage has to rearrange lanes; a last exchange makes them rows.
 template <int lanes, int span>
 AV_ALWAYS_INLINE void hartleyBlocks(const HartleySteps& steps, const double* values, const double* window,
+                                    // NOLINTNEXTLINE(readability-non-const-parameter): written where templates hide it
                                     double* to) noexcept {
   using V = Vector<lanes>;
   const std::uint16_t* const order = steps.order;
@@ -64,14 +65,14 @@ AV_ALWAYS_INLINE void hartleyBlocks(const HartleySteps& steps, const double* val
     V x[span];
     // Element j of the blocks whose numbers are the reversed bits of first, first + 1, ... stand side by side.
     if (steps.powerOfTwo && window != nullptr) {
-      joinFromTheStart<span>(x, steps.blockTwiddles, [&](int j) AV_INLINED {
+      joinFromTheStart<span>(&x[0], steps.blockTwiddles, [&](int j) AV_INLINED {
         return load<lanes>(values + order[j] + first) * load<lanes>(window + order[j] + first);
       });
     } else if (steps.powerOfTwo) {
-      joinFromTheStart<span>(x, steps.blockTwiddles,
+      joinFromTheStart<span>(&x[0], steps.blockTwiddles,
                              [&](int j) AV_INLINED { return load<lanes>(values + order[j] + first); });
     } else {
-      joinFromTheStart<span>(x, steps.blockTwiddles, [&](int j) AV_INLINED {
+      joinFromTheStart<span>(&x[0], steps.blockTwiddles, [&](int j) AV_INLINED {
         V value{};
         unrolled<lanes>([&]<int lane>() AV_INLINED {
           value[lane] = values[order[(first + lane) * span + static_cast<std::size_t>(j)]];
@@ -87,7 +88,7 @@ AV_ALWAYS_INLINE void hartleyBlocks(const HartleySteps& steps, const double* val
     for (int j = 0; j < span; j += lanes) {
       V square[lanes];
       unrolled<lanes>([&]<int n>() AV_INLINED { square[n] = x[j + n]; });
-      transpose<lanes>(square);
+      transpose<lanes>(&square[0]);
       unrolled<lanes>([&]<int lane>() AV_INLINED { store<lanes>(rows[lane] + j, square[lane]); });
     }
   }

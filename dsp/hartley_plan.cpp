@@ -69,22 +69,23 @@ void HartleyPlan::chooseKernel() noexcept {
 
 /// The factors of a stage of a span above blockSpan(), as HartleyStage wants them.
 void HartleyPlan::appendFactors(int span) noexcept {
-  const int lanes = static_cast<int>(m_kernel->lanes);
+  const std::size_t lanes = m_kernel->lanes;
   const std::size_t start = m_factors.size();
-  const auto append = [&](int firstIndex) {
+  const auto append = [&](std::size_t firstIndex) {
     const std::size_t vector = m_factors.size();
-    m_factors.resize(vector + 4 * m_kernel->lanes);
+    m_factors.resize(vector + 4 * lanes);
     double* to = m_factors.data() + vector;
-    for (int lane = 0; lane < lanes; ++lane, ++to) {
-      const HartleyTwiddle t = m_recipe.twiddle(firstIndex + lane, m_recipe.length, span);
+    for (std::size_t lane = 0; lane < lanes; ++lane, ++to) {
+      const HartleyTwiddle t = m_recipe.twiddle(static_cast<int>(firstIndex + lane), m_recipe.length, span);
       to[0] = t.cos1;
       to[lanes] = t.sin1;
       to[2 * lanes] = t.cos2;
       to[3 * lanes] = t.sin2;
     }
   };
-  append(span / 8 - lanes);
-  for (int k = 1; k + lanes <= span / 8; k += lanes) append(k);
+  const std::size_t eighth = static_cast<std::size_t>(span) / 8;
+  append(eighth - lanes);
+  for (std::size_t k = 1; k + lanes <= eighth; k += lanes) append(k);
   m_stages.push_back({static_cast<std::uint32_t>(span), m_factors.data() + start});
 }
 

@@ -16,8 +16,8 @@ AV_ALWAYS_INLINE HartleyGroup<Vector<lanes>> joinedGroup(const double* block, st
     group.index[n] = load<lanes>(block + n * quarter + k);
     group.mirror[n] = reversed<lanes>(load<lanes>(block + n * quarter + quarter - k - (lanes - 1)));
   });
-  group.join(load<lanes>(factors), load<lanes>(factors + lanes), load<lanes>(factors + 2 * lanes),
-             load<lanes>(factors + 3 * lanes));
+  group.join(load<lanes>(factors), load<lanes>(factors + lanes), load<lanes>(factors + std::size_t{2} * lanes),
+             load<lanes>(factors + std::size_t{3} * lanes));
   return group;
 }
 
@@ -48,7 +48,7 @@ AV_ALWAYS_INLINE void joinAlone(const double* from, double* to, std::size_t quar
 template <int lanes>
 AV_ALWAYS_INLINE void hartleyStage(const HartleyStage& stage, std::size_t start, std::size_t end, const double* from,
                                    double* to) noexcept {
-  constexpr std::size_t perVector = 4 * lanes;
+  constexpr std::size_t perVector = std::size_t{4} * lanes;
   const std::size_t quarter = stage.span / 4;
   const std::size_t eighth = stage.span / 8;
   for (; start < end; start += stage.span) {

@@ -72,7 +72,7 @@ void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> ban
                         std::int32_t fftLength, int areaHeightPx, std::uint32_t nowMs) noexcept {
   const Heights heights(settings, areaHeightPx);
   const dsp::LevelKernel& kernel = *dsp::levelKernels().front();
-  std::array<double, 64> levels;
+  std::array<double, 64> levels{};
   const std::size_t count = std::min(columns.size(), bands.size());
   for (std::size_t first = 0; first < count; first += levels.size()) {
     const std::span<const double> some = bands.subspan(first, std::min(count - first, levels.size()));
