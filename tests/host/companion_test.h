@@ -117,9 +117,12 @@ inline Value numbers(std::initializer_list<double> values) { return arrayOf(VT_R
 /// test that leaks a reference fails.
 class CompanionTest : public testing::Test {
  protected:
+  static void SetUpTestSuite() { unregister(); }
+  // Wine registers a type library that it finds through a manifest; nobody asked for that.
+  static void TearDownTestSuite() { unregister(); }
+
   void SetUp() override {
     ASSERT_EQ(S_OK, m_apartment.result());
-    ASSERT_NO_FATAL_FAILURE(unregister());
     ASSERT_EQ(S_OK, m_library.loadBesideProgram(companionName));
     ASSERT_EQ(S_OK, m_library.canUnloadNow());
   }
@@ -127,8 +130,6 @@ class CompanionTest : public testing::Test {
     EXPECT_EQ(S_OK, m_library.canUnloadNow()) << "something of the DLL is still in use";
     EXPECT_TRUE(m_library.unload());
     EXPECT_EQ(S_OK, LoadedDll().canUnloadNow()) << "a control is still there";
-    // Wine registers a type library that it finds through a manifest; nobody asked for that.
-    unregister();
   }
 
   static void unregister() {
