@@ -6,6 +6,7 @@ The player's trace says what has been understood; what it shows is judged by pix
 where Xvfb or xdotool is missing.
 """
 
+import math
 import os
 import pathlib
 import queue
@@ -73,7 +74,7 @@ class Player:
         self.snapshots.mkdir(exist_ok=True)
         self.xdotool("mousemove", 1399, 999)
         self.program = subprocess.Popen(
-            [TOOLS / "wine-run", "x64", player_program, "--trace", "--silent", "--size", "1000x640",
+            [TOOLS / "wine-run", "x64", player_program, "--trace", "--size", "1000x640",
              "--presets", f"Z:{self.presets}", "--snapshots", f"Z:{self.snapshots}", *options],
             env=self.environment, stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, text=True)
         self.lines = queue.Queue()
@@ -179,8 +180,8 @@ class PlayerByHand(unittest.TestCase):
         cls.screen.close()
         cls.folder.cleanup()
 
-    def start(self, *options):
-        self.player = Player(self.screen, pathlib.Path(self.folder.name), *options)
+    def start(self, *options, silent=True):
+        self.player = Player(self.screen, pathlib.Path(self.folder.name), *(["--silent"] if silent else []), *options)
         self.addCleanup(self.end)
         self.player.hear("ready", 120)  # the first program in a fresh prefix waits for the prefix
         self.player.take_keyboard()
@@ -391,6 +392,44 @@ class PlayerByHand(unittest.TestCase):
     def snapshot_file(self, player):
         line = player.hear("snapshot ")
         return player.snapshots / re.split(r"[\\/]", line)[-1]
+
+    def test_plays_files_and_says_what_is_wrong_with_others(self):
+        folder = pathlib.Path(self.folder.name)
+        bad, good = folder / "bad.wav", folder / "good.wav"
+        bad.write_bytes(b"RIFF\x04\0\0\0WAVE")
+        tone = b"".join(struct.pack("<f", 0.5 * math.sin(i * 0.1)) for i in range(3 * 22050))
+        good.write_bytes(b"RIFF" + struct.pack("<I", 36 + len(tone)) + b"WAVEfmt " +
+                         struct.pack("<IHHIIHH", 16, 3, 1, 22050, 4 * 22050, 4, 32) + b"data" +
+                         struct.pack("<I", len(tone)) + tone)
+        player = self.start("--once", f"Z:{bad}")
+        x, y, width, height = player.boxes["client"]
+        status = (x, y + height - 26, width // 2, 26)
+        self.assertTrue(shares_colour(self.screen.rows(status), (190, 24, 38), 20), "the status line says why, in red")
+        self.quit(player)
+        # To its end, into the sound device where there is one. Then bars and columns have fallen.
+        player = self.start("--once", f"Z:{good}", silent=False)
+        print("player test:", player.hear("output "), file=sys.stderr)
+        self.assertFalse(shares_colour(self.screen.rows(status), (190, 24, 38), 1))
+        lit = (0x38, 0x8B, 0xFD)
+        time.sleep(1)
+        self.assertTrue(shares_colour(player.picture("analyser"), lit, 100))
+        self.assertFalse(shares_colour(player.still("analyser"), lit, 100))
+        self.quit(player)
+
+    def test_chooses_a_colour_from_the_systems_dialog(self):
+        player = self.start("--paused", "--at", "1.9")
+        before = player.still("view")
+        player.edit("BackColor")
+        player.keys("Tab", "space")
+        dialog = subprocess.run(["xdotool", "search", "--sync", "--onlyvisible", "--name", "^Color$"], check=True,
+                                env=player.environment, capture_output=True, text=True, timeout=WAIT_S).stdout.split()[0]
+        player.xdotool("windowfocus", "--sync", dialog)
+        time.sleep(1)
+        player.keys("Return")  # the colour that it came with
+        player.hear("put BackColor #0D1117 0x00000000")
+        player.take_keyboard()
+        self.same(before, player.still("view"))
+        self.quit(player)
 
     def test_keeps_its_parts_in_every_size(self):
         player = self.start("--paused", "--at", "1.9")
