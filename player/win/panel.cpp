@@ -39,15 +39,13 @@ bool Panel::create(HWND parent) {
 }
 
 void Panel::arrange(const Box& box, const Theme& theme) {
-  m_theme = &theme;
+  setTheme(theme);
   m_layout = layOutPanel(box.width, box.height, theme.dpi());
   place(box);
   const auto put = [](HWND window, const Box& at) {
     SetWindowPos(window, nullptr, at.x, at.y, at.width, at.height, SWP_NOZORDER | SWP_NOACTIVATE);
   };
   for (std::size_t i = 0; i < controlCount; ++i) put(m_tabs[i], m_layout.tabs[i]);
-  setFont(m_presetBox, theme.text());
-  setFont(m_filter, theme.text());
   SendMessageW(m_presetBox, CB_SETITEMHEIGHT, static_cast<WPARAM>(-1), m_layout.presetName.height - listFrame);
   Box list = m_layout.presetName;
   list.height += theme.px(300);
@@ -67,6 +65,12 @@ void Panel::arrange(const Box& box, const Theme& theme) {
   put(m_filter, textPlace(theme, m_layout.filter));
   rows.place(m_layout.rows);
   redraw();
+}
+
+void Panel::setTheme(const Theme& theme) {
+  m_theme = &theme;
+  setFont(m_presetBox, theme.text());
+  setFont(m_filter, theme.text());
 }
 
 void Panel::select(HostedControl& control) {

@@ -22,6 +22,8 @@ class Panel final : public Window {
   ~Panel() override = default;
 
   void arrange(const Box& box, const Theme& theme);
+  /// For a panel that is hidden; `arrange` does it too.
+  void setTheme(const Theme& theme);
   /// Shows the properties of that control.
   void select(HostedControl& control);
   void setPresets(const std::vector<std::wstring>& names, const std::wstring& current);

@@ -209,9 +209,15 @@ void PlayerWindow::arrange() {
   trace(boxText(L"client", hwnd()));
 }
 
+/// Lengths of the controls are pixels: they grow with the display, as those of a preset do.
 void PlayerWindow::changeDpi(int dpi) {
+  const Preset look = captureLook(m_controls, {}, m_theme->dpi());
+  const std::unique_ptr<Theme> before = std::move(m_theme);  // windows hold its fonts until they have the new ones
   m_theme = std::make_unique<Theme>(dpi);
+  m_transport.setTheme(*m_theme);
+  m_panel.setTheme(*m_theme);
   arrange();
+  applyLook(m_controls, m_defaults, look, dpi);
   m_panel.select(selected());
 }
 

@@ -42,9 +42,8 @@ bool TransportBar::create(HWND parent) {
 }
 
 void TransportBar::arrange(const WindowLayout& layout, const Theme& theme) {
-  m_theme = &theme;
+  setTheme(theme);
   m_layout = layout;
-  m_seekBar.setTheme(theme);
   place(layout.transport);
   const auto put = [&](HWND window, const Box& box) {
     SetWindowPos(window, nullptr, box.x - layout.transport.x, box.y - layout.transport.y, box.width, box.height,
@@ -57,6 +56,11 @@ void TransportBar::arrange(const WindowLayout& layout, const Theme& theme) {
   put(m_snapshot, layout.snapshot);
   put(m_fullScreen, layout.fullScreen);
   redraw();
+}
+
+void TransportBar::setTheme(const Theme& theme) {
+  m_theme = &theme;
+  m_seekBar.setTheme(theme);
 }
 
 void TransportBar::setPlaying(bool playing) {

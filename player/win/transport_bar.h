@@ -16,6 +16,8 @@ class TransportBar final : public Window {
   ~TransportBar() override = default;
 
   void arrange(const WindowLayout& layout, const Theme& theme);
+  /// For a bar that is hidden; `arrange` does it too.
+  void setTheme(const Theme& theme);
   SeekBar& seekBar() noexcept { return m_seekBar; }
   void setPlaying(bool playing);
   void setLooping(bool looping);
