@@ -6,8 +6,14 @@ import unittest
 
 sys.dont_write_bytecode = True
 
-from installed import SOFTWARE, USER, Installed, as_32_bit, below, for_32_bit, for_64_bit, placed, without  # noqa: E402
-from wine_prefix import changes, windows_path  # noqa: E402
+from installed import (  # noqa: E402
+    LIBRARIES, SOFTWARE, USER, Installed, as_32_bit, below, for_32_bit, for_64_bit, placed, without)
+from wine_prefix import ROOT, WORK, changes, windows_path  # noqa: E402
+
+sys.path.insert(0, str(ROOT / "package"))
+import installer  # noqa: E402
+
+UNINSTALL = "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\"
 
 class Installer(Installed):
     PROGRAM_FILES = {"x64": "Program Files", "x86": "Program Files (x86)"}
@@ -55,6 +61,52 @@ class Installer(Installed):
         self.install()
         self.assert_usable(self.libraries("x64"))
         self.remove()
+        self.assert_not_usable()
+
+
+    def products(self):
+        """The products that the system's installer knows."""
+        return {name: data for (key, name), data in self.wine.registry().items()
+                if name == "DisplayVersion" and key.lower().startswith(UNINSTALL.lower())}
+
+    def of_another_version(self, version):
+        """An installer of the same files that says it is that version."""
+        msi = WORK / "other-version" / "other.msi"
+        msi.parent.mkdir(parents=True, exist_ok=True)
+        folder = self.package.out.parent / f"{self.package.out.name}-stage" / self.package.top
+        installer.write(ROOT, folder, msi, version, 1767225600)
+        return msi
+
+    def test_a_newer_version_replaces_this_one_and_this_one_refuses_to_replace_it(self):
+        before = self.wine.state()
+        newer = self.of_another_version("9.0.0")
+        self.install()
+        self.assertEqual(list(self.products().values()), [self.package.version])
+        self.wine.must("msiexec", "/i", windows_path(newer), "/qn")
+        self.assertEqual(list(self.products().values()), ["9.0.0"])
+        self.assertNotEqual(self.wine.run("msiexec", "/i", windows_path(self.package.msi), "/qn").code, 0)
+        self.assertEqual(list(self.products().values()), ["9.0.0"])
+        self.assert_usable(self.libraries("x64"))
+        self.wine.must("msiexec", "/x", windows_path(newer), "/qn")
+        self.assertEqual(self.products(), {})
+        after = self.wine.files()
+        self.assertEqual({f for f in after - before[1] if "QELAudioVisualization4" in f}, set())
+        self.assert_not_usable()
+
+    def test_the_libraries_alone_can_be_installed_elsewhere(self):
+        before = self.wine.state()
+        folders = ("INSTALLDIR=C:\\Sound", "INSTALLDIR32=C:\\Sound32")
+        self.wine.must("msiexec", "/i", windows_path(self.package.msi), "/qn", "ADDLOCAL=Libraries", *folders)
+        found = {f for f in self.wine.files() - before[1] if f.startswith("Sound") and "." in f.rpartition("/")[2]}
+        names = [f"{library}.{e}" for library in LIBRARIES for e in ("dll", "manifest", "tlb")]
+        names.append("QELAudioVisualization4.ProgIds.manifest")
+        wanted = {f"{folder}/bin/{arch}/{name}"
+                  for folder, arch in (("Sound", "x64"), ("Sound32", "x86")) for name in names}
+        self.assertEqual(found, wanted | {"Sound/README.md", "Sound/CHANGELOG.md"})
+        self.assert_usable("C:\\Sound\\bin\\x64")
+        # Windows knows where it has put components; Wine's installer has to be told once more.
+        self.wine.must("msiexec", "/x", windows_path(self.package.msi), "/qn", *folders)
+        self.assertEqual({f for f in self.wine.files() if f.startswith("Sound")}, set())
         self.assert_not_usable()
 
 

@@ -18,6 +18,7 @@ class Package:
         self.msi = self._only("*.msi")
         # The top folder bears the version.
         self.top = self.zip.stem
+        self.version = self.top.rpartition("-")[2]
 
     def _only(self, pattern):
         found = list(self.out.glob(pattern))
