@@ -56,6 +56,19 @@ class Headers(unittest.TestCase):
         for name in NAMES:
             self.compile("x86_64", ("c++", "-std=c++14"), f"#include <{name}.h>\n#include <{name}.h>\n")
 
+    def test_the_headers_for_hosts_need_nothing_but_the_package(self):
+        package = self.include.parent
+        headers = sorted(path.name for path in (package / "host").glob("*.h"))
+        self.assertIn("container.h", headers)
+        text = "".join(f'#include "host/{name}"\n' for name in headers)
+        for compiler in "x86_64-w64-mingw32-g++-posix", "i686-w64-mingw32-g++-posix":
+            # In the package, so that "host/..." is none of this tree's.
+            run = subprocess.run(
+                [compiler, "-std=c++20", "-Wall", "-Wextra", "-Werror", "-fsyntax-only", f"-I{package}",
+                 f"-I{self.include}", "-x", "c++", "-"], cwd=package, input=text, text=True, capture_output=True,
+                check=False)
+            self.assertEqual(run.returncode, 0, run.stderr)
+
 
 if __name__ == "__main__":
     unittest.main()

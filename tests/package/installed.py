@@ -10,8 +10,8 @@ from wine_prefix import WORK, WinePrefix, changes, windows_path
 SOFTWARE = "HKEY_LOCAL_MACHINE\\Software\\Classes\\"
 USER = "HKEY_CURRENT_USER\\Software\\Classes\\"
 NODE = "Wow6432Node\\"
-# A folder with what scripts stumble over: spaces, an ampersand, brackets, an apostrophe.
-PLACE = "Sound & Vision (it's here)"
+# A folder with what scripts stumble over: spaces, an ampersand, brackets, an apostrophe, a letter beyond ASCII.
+PLACE = "Sound & Vision (it's here) é"
 # Another program's keys. Every Windows in use has some in these places; installers remove a place with its last key.
 STRANGER = "{5A1C0E0B-73F5-4C0B-9B3C-0F6E35D4D3A1}"
 PLACES = ("AppID", "CLSID", "Interface", "TypeLib", NODE + "CLSID", NODE + "Interface")

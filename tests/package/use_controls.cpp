@@ -79,14 +79,16 @@ bool save(const std::vector<std::uint32_t>& pixels, const std::wstring& path) {
   return std::fclose(file) == 0 && written;
 }
 
-/// The file that an object's code lies in, found through its table of methods.
+/// The file that an object's code lies in, found through its table of methods; in UTF-8.
 std::string fileOf(IUnknown* object) {
   HMODULE module = nullptr;
-  char path[MAX_PATH] = "";
+  wchar_t path[MAX_PATH] = L"";
   GetModuleHandleExA(GET_MODULE_HANDLE_EX_FLAG_FROM_ADDRESS | GET_MODULE_HANDLE_EX_FLAG_UNCHANGED_REFCOUNT,
                      **reinterpret_cast<const char***>(object), &module);
-  GetModuleFileNameA(module, path, MAX_PATH);
-  return path;
+  GetModuleFileNameW(module, path, MAX_PATH);
+  char text[3 * MAX_PATH] = "";
+  WideCharToMultiByte(CP_UTF8, 0, path, -1, text, sizeof text, nullptr, nullptr);
+  return text;
 }
 
 template <class Interface>
