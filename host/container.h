@@ -7,7 +7,7 @@
 //   Microsoft::WRL::ComPtr<IAudioVisualization4Type1> view;
 //   controls.create(__uuidof(CAudioVisualization4Type1), view.GetAddressOf());
 //   avhost::Container container;
-//   container.show(view.Get(), {.title = L"View", .clientSizePx = {640, 360}});
+//   container.show(view.Get(), {.title = L"View", .clientSizePx = {640, 360}});  // C++20; before it, see Window
 //   ...                      // push audio, run the message loop
 //   container.close();
 

@@ -1,7 +1,7 @@
 #pragma once
 
-// The way to the controls in one call: COM for the thread, and the library wherever it is. For hosts; Windows headers
-// only.
+// The way to the controls in one call: COM for the thread, and the library wherever it is. For hosts; C++14 and
+// the Windows headers only.
 //
 //   avhost::Controls controls;
 //   if (FAILED(controls.open())) ...

@@ -1,6 +1,6 @@
 #pragma once
 
-// Creating a control, with or without registration. For hosts; Windows headers only.
+// Creating a control, with or without registration. For hosts; C++14 and the Windows headers only.
 
 #include <windows.h>
 

@@ -102,12 +102,29 @@ class Contents(unittest.TestCase):
             self.assertEqual(data.count(b"\n"), data.count(b"\r\n"), script.name)
             self.assertFalse(re.search(rb"@[A-Z]", data), f"{script.name}: a mark is left")
 
-    def test_the_readme_knows_its_version_and_its_links_lead_somewhere(self):
+    def test_the_readme_knows_its_version(self):
         text = (self.folder / "README.md").read_text(encoding="utf-8")
         self.assertIn(VERSION, text)
         self.assertNotIn("@", text)
-        for link in re.findall(r"\]\(([^)#:]+)\)", text):
-            self.assertTrue((self.folder / link).exists(), link)
+
+    def test_the_links_of_its_pages_lead_to_files_that_it_holds(self):
+        for page in self.folder.rglob("*.md"):
+            text = page.read_text(encoding="utf-8")
+            for link in re.findall(r"\]\(([^)#:\s]+)(?:#[^)]*)?\)", text):
+                self.assertTrue((page.parent / link).exists(), f"{page.relative_to(self.folder)}: {link}")
+
+    def test_the_lines_that_its_pages_give_for_building_samples_build_them(self):
+        folder = self.package.unpack(WORK / "contents-compiled")
+        built = []
+        for page in folder / "README.md", *sorted(folder.glob("samples/cpp-*/README.md")):
+            text = page.read_text(encoding="utf-8").replace("\\\n", " ")
+            for line in re.findall(r"^x86_64-w64-mingw32-g\+\+.*$", text, re.MULTILINE):
+                program = folder / re.search(r"-o (\S+)", line)[1]
+                subprocess.run(line.split(), cwd=folder, check=True)
+                self.assertTrue(program.exists(), line)
+                program.unlink()
+                built.append(program.name)
+        self.assertEqual(built, ["sweep.exe", "sweep.exe", "swell.exe"])
 
     def test_the_installer_is_for_this_version_and_all_users(self):
         properties = {row["Property"]: row["Value"] for row in self.table("Property")}
