@@ -91,7 +91,7 @@ int run(const Options& options) {
   double nextLook = options.seconds / 5;
   while (GetTickCount64() < deadline) {
     soak.live(deadline);
-    if (!looks.empty()) leakOne(options.leak, soak.library());
+    if (!looks.empty()) leakOne(options.leak, soak.controlsDll());
     if (secondsSince(start) < nextLook || (looks.empty() && deeds.lives < livesToWarmUp)) continue;
     nextLook = secondsSince(start) + std::clamp(options.seconds / 10, 1.0, 300.0);
     look();

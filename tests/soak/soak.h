@@ -41,7 +41,7 @@ class Soak {
   /// What is left when the last controls have gone, with the threads of their timers.
   Footprint rest();
 
-  const avhost::ControlLibrary& library() const { return m_library; }
+  const avhost::ControlLibrary& controlsDll() const { return m_library; }
   const Deeds& deeds() const { return m_deeds; }
   std::size_t peakBytes() const { return m_peakBytes; }
 
