@@ -20,6 +20,12 @@ void requireRoom(std::size_t samples, const wave::PcmFormat& format) {
   if (samples > wave::mostBlockBytes / (format.storedBits() / 8u)) throw badArgument(L"a block holds at most 2 GB.");
 }
 
+/// What a number that is out of range is told.
+std::wstring thereAre(LONG count, const std::wstring& what) {
+  if (count == 1) return L"there is 1 " + what + L", counted from 0.";
+  return L"there are " + std::to_wstring(count) + L" " + what + L"s, counted from 0.";
+}
+
 }  // namespace
 
 void* AudioBlockObject::findInterface(REFIID iid) noexcept {
@@ -116,10 +122,8 @@ STDMETHODIMP AudioBlockObject::get_Sample(LONG frame, LONG channel, double* valu
   return answer(L"Sample", value, [&] {
     const wave::PcmFormat& format = m_content.format;
     const auto frames = static_cast<LONG>(m_content.frameCount());
-    if (frame < 0 || frame >= frames)
-      throw badArgument(L"there are " + std::to_wstring(frames) + L" frames, counted from 0.");
-    if (channel < 0 || channel >= format.channels)
-      throw badArgument(L"there are " + std::to_wstring(format.channels) + L" channels, counted from 0.");
+    if (frame < 0 || frame >= frames) throw badArgument(thereAre(frames, L"frame"));
+    if (channel < 0 || channel >= format.channels) throw badArgument(thereAre(format.channels, L"channel"));
     const std::size_t index = static_cast<std::size_t>(frame) * format.channels + static_cast<std::size_t>(channel);
     return wave::unitSample(m_content.stored, format.bitsPerSample, index);
   });

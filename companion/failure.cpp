@@ -1,9 +1,13 @@
 #include "companion/failure.h"
 
+#include "companion/path_argument.h"
+
 namespace av::companion {
 
 Failure fileFailure(DWORD systemError, const std::wstring& path) {
-  const auto say = [&](const wchar_t* what) { return Failure(HRESULT_FROM_WIN32(systemError), what + (L": " + path)); };
+  const auto say = [&](const wchar_t* what) {
+    return Failure(HRESULT_FROM_WIN32(systemError), what + (L": " + shownPath(path)));
+  };
   switch (systemError) {
     case ERROR_FILE_NOT_FOUND: return say(L"there is no such file");
     case ERROR_PATH_NOT_FOUND:

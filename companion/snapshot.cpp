@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "companion/file_writer.h"
+#include "companion/path_argument.h"
 #include "companion/picture.h"
 #include "host/container.h"
 #include "host/message_pump.h"
@@ -93,8 +94,7 @@ STDMETHODIMP SnapshotObject::Wait(LONG milliseconds) {
 
 STDMETHODIMP SnapshotObject::Save(BSTR path) {
   return guard(L"Save", [&] {
-    const std::wstring name = path ? std::wstring(path, SysStringLen(path)) : std::wstring();
-    if (name.empty()) throw badArgument(L"the path is empty.");
+    const std::wstring name = pathFrom(path);
     const ComPtr<IViewObject> view = m_view;
     if (!view) throw badMoment(L"there is no control yet: call CreateControl, or put Control, first.");
     ComPtr<IAudioVisualization4Type1> smoothed;

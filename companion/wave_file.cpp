@@ -1,6 +1,7 @@
 #include "companion/wave_file.h"
 
 #include "companion/audio_block.h"
+#include "companion/path_argument.h"
 
 #include <cmath>
 
@@ -13,7 +14,7 @@ wave::WaveHeader headerOf(FileSource& source, const std::wstring& path) {
   wave::HeaderResult result = wave::readHeader(source);
   if (result.header) return std::move(*result.header);
   const std::wstring problem(result.problem.begin(), result.problem.end());  // ASCII
-  throw Failure(HRESULT_FROM_WIN32(ERROR_BAD_FORMAT), problem + L": " + path);
+  throw Failure(HRESULT_FROM_WIN32(ERROR_BAD_FORMAT), problem + L": " + shownPath(path));
 }
 
 }  // namespace
@@ -29,9 +30,7 @@ WaveFileObject::OpenFile& WaveFileObject::opened() {
 STDMETHODIMP WaveFileObject::Open(BSTR path) {
   return guard(L"Open", [&] {
     m_file.reset();
-    const std::wstring name = path ? std::wstring(path, SysStringLen(path)) : std::wstring();
-    if (name.empty()) throw badArgument(L"the path is empty.");
-    m_file = std::make_unique<OpenFile>(name);
+    m_file = std::make_unique<OpenFile>(pathFrom(path));
   });
 }
 

@@ -319,6 +319,17 @@ TEST_F(AudioBlock, ReadsBackSingleSamples) {
   EXPECT_EQ(L"AudioBlock.Sample: there are 2 channels, counted from 0.", block.refusal);
 }
 
+TEST_F(AudioBlock, SaysOfASingleSampleThatThereIsOne) {
+  LateBound block = makeBlock(1, 8000, 16);
+  EXPECT_TRUE(std::isnan(block.number(L"Sample", {Value(VT_I4, 0), Value(VT_I4, 0)})));
+  EXPECT_EQ(L"AudioBlock.Sample: there are 0 frames, counted from 0.", block.refusal);
+  ASSERT_EQ(S_OK, block.call(L"SetSamples", {numbers({0.5})}));
+  EXPECT_TRUE(std::isnan(block.number(L"Sample", {Value(VT_I4, 1), Value(VT_I4, 0)})));
+  EXPECT_EQ(L"AudioBlock.Sample: there is 1 frame, counted from 0.", block.refusal);
+  EXPECT_TRUE(std::isnan(block.number(L"Sample", {Value(VT_I4, 0), Value(VT_I4, 1)})));
+  EXPECT_EQ(L"AudioBlock.Sample: there is 1 channel, counted from 0.", block.refusal);
+}
+
 TEST_F(AudioBlock, IsOneObjectThroughAllItsInterfaces) {
   LateBound block = make(CLSID_AudioBlock);
   ComPtr<avhost::IMediaDataBuffer> buffer;

@@ -73,7 +73,11 @@ class Snapshot : public CompanionTest {
     ASSERT_EQ(S_OK, block.call(L"SetIntegers", {integers}));
     ASSERT_EQ(S_OK, m_control.call(L"SendAudioData", {Value(block.get())}));
   }
-  HRESULT save(const std::wstring& path) { return m_snapshot.call(L"Save", {Value(path.c_str())}); }
+  HRESULT save(const std::wstring& path) {
+    Value text(L"");
+    SysReAllocStringLen(&V_BSTR(&text), path.data(), static_cast<UINT>(path.size()));
+    return m_snapshot.call(L"Save", {text});
+  }
   WindowPicture saved() {
     const PngPath png;
     EXPECT_EQ(S_OK, save(png.path())) << m_snapshot.refusal.c_str();
@@ -274,6 +278,8 @@ TEST_F(Snapshot, SaysWhatIsWrong) {
   EXPECT_EQ(L"Snapshot.Save: there is no control yet: call CreateControl, or put Control, first.",
             refusalOf(save(L"C:\\x.png"), E_UNEXPECTED));
   EXPECT_EQ(L"Snapshot.Save: the path is empty.", refusalOf(save(L""), E_INVALIDARG));
+  EXPECT_EQ(L"Snapshot.Save: the path has a character of code 0.",
+            refusalOf(save(std::wstring(L"C:\\x.png\0.txt", 13)), E_INVALIDARG));
   for (const LONG wrong : {0, -1, 8193}) {
     EXPECT_EQ(L"Snapshot.Width: it must be 1 to 8192.", refusalOf(m_snapshot.put(L"Width", wrong), E_INVALIDARG));
     EXPECT_EQ(L"Snapshot.Height: it must be 1 to 8192.", refusalOf(m_snapshot.put(L"Height", wrong), E_INVALIDARG));

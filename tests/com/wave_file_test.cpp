@@ -25,7 +25,11 @@ class WavOnDisk {
 
 class WaveFile : public CompanionTest {
  protected:
-  HRESULT open(const std::wstring& path) { return m_wave.call(L"Open", {Value(path.c_str())}); }
+  HRESULT open(const std::wstring& path) {
+    Value text(L"");
+    SysReAllocStringLen(&V_BSTR(&text), path.data(), static_cast<UINT>(path.size()));
+    return m_wave.call(L"Open", {text});
+  }
   void SetUp() override {
     CompanionTest::SetUp();
     m_wave = make(CLSID_WaveFile);
@@ -168,6 +172,13 @@ TEST_F(WaveFile, SaysWhyAFileCannotBeOpened) {
   EXPECT_EQ(L"WaveFile.Open: the system denies access: C:\\windows",
             refusalOf(L"C:\\windows", HRESULT_FROM_WIN32(ERROR_ACCESS_DENIED)));
   EXPECT_EQ(L"WaveFile.Open: the path is empty.", refusalOf(L"", E_INVALIDARG));
+  EXPECT_EQ(L"WaveFile.Open: the path has a character of code 0.",
+            refusalOf(std::wstring(L"C:\\x.wav\0.txt", 13), E_INVALIDARG));
+  std::wstring longPath = L"C:\\missing";
+  for (int part = 0; part < 30; ++part) longPath += L"\\" + std::wstring(99, L'a');
+  EXPECT_EQ(L"WaveFile.Open: there is no such folder: C:\\missing\\" + std::wstring(99, L'a') + L"\\" +
+                std::wstring(14, L'a') + L" ... " + std::wstring(25, L'a') + L"\\" + std::wstring(99, L'a'),
+            refusalOf(longPath, HRESULT_FROM_WIN32(ERROR_PATH_NOT_FOUND)));
   const WavOnDisk text(Bytes(100, 'x'));
   EXPECT_EQ(L"WaveFile.Open: not a WAV file: " + text.path(),
             refusalOf(text.path(), HRESULT_FROM_WIN32(ERROR_BAD_FORMAT)));
