@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """The package's generated headers in the ways of Microsoft's compiler: with Clang in its place and, for the Windows
-SDK, the stand-in in sdk/, which knows no attribute or macro of MinGW-w64's. Both architectures, two standards of C++, C.
+SDK, the stand-in in sdk/, which knows nothing of MinGW-w64's own. Both architectures; C++ of two standards, C.
 """
 
 import subprocess
