@@ -70,14 +70,21 @@ void CAudioVisualization4Type1::pushBlock(IUnknown* audioData) {
   const AudioInput input(audioData);
   const AudioBlock* block = input.block();
   if (!block) return;
-  const auto outcome = m_analysis.accept(*block, m_settings);
+  const auto outcome = [&] {
+    const StandardArithmetic arithmetic;
+    return m_analysis.accept(*block, m_settings);
+  }();
   if (outcome == ViewAnalysis::Outcome::analysed && !m_settings.visualizationSmooth) drawNow();
 }
 
 STDMETHODIMP CAudioVisualization4Type1::_OnTimer() {
   const ole::KeepAlive alive(*this);
   const bool asked = takeRedrawRequest();
-  if (m_analysis.smoothingStep(m_settings) || asked) drawNow();
+  const bool moved = [&] {
+    const StandardArithmetic arithmetic;
+    return m_analysis.smoothingStep(m_settings);
+  }();
+  if (moved || asked) drawNow();
   inPlace().valueMayHaveChanged();
   return S_OK;
 }
@@ -107,6 +114,7 @@ void CAudioVisualization4Type1::growToMinimumSize(Size client) {
 void CAudioVisualization4Type1::layoutWindow() {
   const auto client = clientSize();
   if (!client) return;
+  const StandardArithmetic arithmetic;
   const std::lock_guard lock(m_drawingLock);
   m_picture.layout(m_settings, m_analysis.signal().sampleRateHz, *client);
 }
@@ -114,6 +122,7 @@ void CAudioVisualization4Type1::layoutWindow() {
 void CAudioVisualization4Type1::draw(HDC target, const RECT& bounds) {
   const bool inWindow = clientSize().has_value();
   try {
+    const StandardArithmetic arithmetic;
     const std::lock_guard lock(m_drawingLock);
     m_picture.paint(target, bounds, inWindow, m_settings, m_analysis.signal());
   } catch (const std::bad_alloc&) {
@@ -129,6 +138,7 @@ std::wstring CAudioVisualization4Type1::spokenValue() {
   // buffer is the host's.
   const std::unique_lock betweenBlocks(m_mutex, std::try_to_lock);
   if (betweenBlocks || m_spoken.empty()) {
+    const StandardArithmetic arithmetic;
     const std::lock_guard picture(m_drawingLock);
     m_spoken = wideText(type1::spokenValue(m_settings, m_analysis.signal()));
   }

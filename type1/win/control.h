@@ -2,6 +2,7 @@
 
 #include "common/win/critical_section.h"
 #include "common/win/mutex.h"
+#include "common/win/standard_arithmetic.h"
 #include "common/win/timer.h"
 #include "ole/control.h"
 #include "ole/dispatch.h"
@@ -144,6 +145,7 @@ HRESULT CAudioVisualization4Type1::change(Effects effects, Store&& store) {
     std::unique_lock betweenBlocks(m_mutex, std::defer_lock);
     if (has(effects, Effects::reset)) betweenBlocks.lock();
     const std::lock_guard picture(m_drawingLock);
+    const StandardArithmetic arithmetic;
     const HRESULT stored = store();
     if (FAILED(stored)) return stored;
     if (has(effects, Effects::reallocate)) m_analysis.resizeWindow(m_settings);

@@ -46,6 +46,7 @@ bool CAudioVisualization4Type1::handleMessage(UINT message, WPARAM, LPARAM lPara
 
 CAudioVisualization4Type1::PointerReading CAudioVisualization4Type1::readingAt(Point position) {
   const SIZE client = clientSize().value_or(SIZE{});
+  const StandardArithmetic arithmetic;
   const std::lock_guard lock(m_drawingLock);
   ViewLayout layout = m_picture.windowLayout();
   const bool reportsMove = reportsMovesAt(layout, position);

@@ -73,8 +73,12 @@ void CAudioVisualization4Type2::pushBlock(IUnknown* audioData) {
   const AudioInput input(audioData);
   const AudioBlock* block = input.block();
   if (!block) return;
+  const auto outcome = [&] {
+    const StandardArithmetic arithmetic;
+    return m_analysis.accept(*block, m_settings, GetTickCount());
+  }();
   // What is analysed is drawn by the next tick.
-  if (m_analysis.accept(*block, m_settings, GetTickCount()) == MeterAnalysis::Outcome::tooShort) drawNow();
+  if (outcome == MeterAnalysis::Outcome::tooShort) drawNow();
 }
 
 STDMETHODIMP CAudioVisualization4Type2::_OnTimer() {
@@ -117,12 +121,14 @@ void CAudioVisualization4Type2::snapSize(SIZE client) {
 void CAudioVisualization4Type2::layoutWindow() {
   const auto client = clientSize();
   if (!client) return;
+  const StandardArithmetic arithmetic;
   const std::lock_guard lock(m_drawingLock);
   m_picture.layout(m_settings, m_list.lines().count(), *client);
 }
 
 void CAudioVisualization4Type2::draw(HDC target, const RECT& bounds) {
   try {
+    const StandardArithmetic arithmetic;
     const std::lock_guard lock(m_drawingLock);
     m_picture.paint(target, bounds, clientSize().has_value(), m_settings, m_list.lines(), m_analysis.hasData());
   } catch (const std::bad_alloc&) {
@@ -131,6 +137,7 @@ void CAudioVisualization4Type2::draw(HDC target, const RECT& bounds) {
 }
 
 std::wstring CAudioVisualization4Type2::spokenValue() {
+  const StandardArithmetic arithmetic;
   std::vector<double> values;
   if (m_analysis.hasData()) {
     m_list.lines().withLines([&](std::span<LineInfo> lines) {

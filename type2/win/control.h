@@ -3,6 +3,7 @@
 #include "common/win/critical_section.h"
 #include "common/win/mutex.h"
 #include "common/win/my_line_list.h"
+#include "common/win/standard_arithmetic.h"
 #include "common/win/timer.h"
 #include "ole/control.h"
 #include "ole/dispatch.h"

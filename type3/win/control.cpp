@@ -97,13 +97,22 @@ void CAudioVisualization4Type3::pushBlock(IUnknown* audioData) {
   const AudioInput input(audioData);
   const AudioBlock* block = input.block();
   if (!block) return;
-  if (m_analysis.accept(*block, m_settings, columnAreaHeightPx(), GetTickCount())) drawNow();
+  const int heightPx = columnAreaHeightPx();
+  const bool accepted = [&] {
+    const StandardArithmetic arithmetic;
+    return m_analysis.accept(*block, m_settings, heightPx, GetTickCount());
+  }();
+  if (accepted) drawNow();
 }
 
 STDMETHODIMP CAudioVisualization4Type3::_OnTimer() {
   const ole::KeepAlive alive(*this);
   const bool asked = takeRedrawRequest();
-  if (m_analysis.tick(m_settings, GetTickCount()) || asked) drawNow();
+  const bool fell = [&] {
+    const StandardArithmetic arithmetic;
+    return m_analysis.tick(m_settings, GetTickCount());
+  }();
+  if (fell || asked) drawNow();
   inPlace().valueMayHaveChanged();
   return S_OK;
 }
@@ -120,6 +129,7 @@ void CAudioVisualization4Type3::carryOut(Effects effects) {
   if (has(effects, Effects::relayout)) {
     layout();
   } else if (has(effects, Effects::rebuild)) {
+    const StandardArithmetic arithmetic;
     m_picture.rebuild(m_settings);
   }
   if (has(effects, Effects::redraw)) drawNow();
@@ -134,6 +144,7 @@ void CAudioVisualization4Type3::resized(SIZE) {
 }
 
 void CAudioVisualization4Type3::layout() {
+  const StandardArithmetic arithmetic;
   const auto client = clientSize();
   const Size kept = m_picture.size();
   if (client) {
@@ -153,6 +164,7 @@ int CAudioVisualization4Type3::columnAreaHeightPx() {
 
 void CAudioVisualization4Type3::draw(HDC target, const RECT& bounds) {
   try {
+    const StandardArithmetic arithmetic;
     const Size size{bounds.right - bounds.left, bounds.bottom - bounds.top};
     // What its container draws of an inactive control is its picture from then on; beside an active control's window
     // it is another one. A layout that failed is made again.
@@ -170,6 +182,7 @@ void CAudioVisualization4Type3::draw(HDC target, const RECT& bounds) {
 }
 
 std::wstring CAudioVisualization4Type3::spokenValue() {
+  const StandardArithmetic arithmetic;
   return wideText(type3::spokenValue(m_analysis.bands(), m_analysis.foldedAxis(), m_analysis.foldedPlan()));
 }
 

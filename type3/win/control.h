@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/win/my_line_list.h"
+#include "common/win/standard_arithmetic.h"
 #include "common/win/timer.h"
 #include "ole/control.h"
 #include "ole/dispatch.h"
@@ -168,7 +169,10 @@ template <class Store>
 HRESULT CAudioVisualization4Type3::change(Effects effects, Store&& store) {
   const ole::KeepAlive alive(*this);
   try {
-    const HRESULT stored = store();
+    const HRESULT stored = [&] {
+      const StandardArithmetic arithmetic;
+      return store();
+    }();
     if (FAILED(stored)) return stored;
     carryOut(effects);
   } catch (const std::bad_alloc&) {
