@@ -1,5 +1,6 @@
 #include "module/registration.h"
 
+#include <cstddef>
 #include <vector>
 
 #include "module/resource_ids.h"
@@ -24,27 +25,38 @@ std::vector<ScriptReplacement> classReplacements(const CQELAudioVisualization4Mo
           {L"LIBID", applicationId}};
 }
 
-HRESULT writeAll(const CQELAudioVisualization4Module& module) {
+/// How far a registration has come; the entries of the application are its beginning.
+struct Progress {
+  std::size_t classes = 0;
+  bool typeLibrary = false;
+};
+
+HRESULT writeAll(const CQELAudioVisualization4Module& module, Progress& begun) {
   HRESULT result =
       ole::registerFromScript(module, AV_REGISTRY_APPLICATION, applicationReplacements(), RegistryScope::machine);
   for (const ClassEntry& entry : CQELAudioVisualization4Module::classes()) {
     if (FAILED(result)) return result;
+    ++begun.classes;
     result =
         ole::registerFromScript(module, AV_REGISTRY_CLASS, classReplacements(module, entry), RegistryScope::machine);
   }
-  return FAILED(result) ? result : ole::registerTypeLibrary(module, RegistryScope::machine);
+  if (FAILED(result)) return result;
+  begun.typeLibrary = true;
+  return ole::registerTypeLibrary(module, RegistryScope::machine);
 }
 
-HRESULT removeAll(const CQELAudioVisualization4Module& module) {
+HRESULT remove(const CQELAudioVisualization4Module& module, const Progress& written) {
   HRESULT first = S_OK;
   const auto note = [&first](HRESULT result) {
     if (FAILED(result) && SUCCEEDED(first)) first = result;
   };
+  std::size_t classes = 0;
   for (const ClassEntry& entry : CQELAudioVisualization4Module::classes()) {
+    if (classes++ == written.classes) break;
     note(
         ole::unregisterFromScript(module, AV_REGISTRY_CLASS, classReplacements(module, entry), RegistryScope::machine));
   }
-  note(ole::unregisterTypeLibrary(module, RegistryScope::machine));
+  if (written.typeLibrary) note(ole::unregisterTypeLibrary(module, RegistryScope::machine));
   note(ole::unregisterFromScript(module, AV_REGISTRY_APPLICATION, applicationReplacements(), RegistryScope::machine));
   return first;
 }
@@ -52,11 +64,18 @@ HRESULT removeAll(const CQELAudioVisualization4Module& module) {
 }  // namespace
 
 HRESULT registerModule(const CQELAudioVisualization4Module& module) noexcept {
-  return ole::inSystemLocale([&] { return writeAll(module); });
+  return ole::inSystemLocale([&] {
+    Progress begun;
+    const HRESULT result = writeAll(module, begun);
+    // Half an entry is worse than none: whoever finds the class would find no library. What was not begun stays, since
+    // it may be another registration's.
+    if (FAILED(result)) remove(module, begun);
+    return result;
+  });
 }
 
 HRESULT unregisterModule(const CQELAudioVisualization4Module& module) noexcept {
-  return ole::inSystemLocale([&] { return removeAll(module); });
+  return ole::inSystemLocale([&] { return remove(module, {CQELAudioVisualization4Module::classes().size(), true}); });
 }
 
 }  // namespace av

@@ -112,9 +112,14 @@ HRESULT unregisterTypeLibrary(const ServerModule& module, RegistryScope scope) {
   result = library->GetLibAttr(&attributes);
   if (FAILED(result)) return result;
   if (typeLibraryIsRegistered(*attributes)) {
-    const auto remove = scope == RegistryScope::machine ? &UnRegisterTypeLib : &UnRegisterTypeLibForUser;
-    result = remove(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
+    const auto remove = [&] {
+      const auto system = scope == RegistryScope::machine ? &UnRegisterTypeLib : &UnRegisterTypeLibForUser;
+      return system(attributes->guid, attributes->wMajorVerNum, attributes->wMinorVerNum, attributes->lcid,
                     attributes->syskind);
+    };
+    result = remove();
+    // The system may want to read the library that it forgets: an entry whose file has gone is replaced by this one's.
+    if (FAILED(result) && SUCCEEDED(registerTypeLibrary(module, scope))) result = remove();
   }
   library->ReleaseTLibAttr(attributes);
   return result;

@@ -232,20 +232,42 @@ TEST_F(Registration, WorksOnAThreadThatHasNotStartedCom) {
   ASSERT_EQ(S_OK, CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED)) << "COM must not be left running";
 }
 
-TEST_F(Registration, WorksFromAFolderWithAnApostrophe) {
-  const std::wstring folder = besideProgram(L"it's here");
+/// Registers a copy of the DLL in a folder of that name, and unregisters it.
+class RegistrationFrom : public Registration {
+ protected:
+  void expectToWorkFrom(const std::wstring& folderName) {
+    const std::wstring folder = besideProgram(folderName);
+    const std::wstring copy = folder + L"\\QELAudioVisualization4.dll";
+    CreateDirectoryW(folder.c_str(), nullptr);
+    ASSERT_TRUE(CopyFileW(dllPath().c_str(), copy.c_str(), FALSE));
+    {
+      const LoadedDll other(copy);
+      EXPECT_EQ(S_OK, other.registerServer());
+      expectRegistered(copy);
+      EXPECT_EQ(S_OK, other.unregisterServer());
+      expectAsBefore();
+    }
+    EXPECT_TRUE(DeleteFileW(copy.c_str()));
+    EXPECT_TRUE(RemoveDirectoryW(folder.c_str()));
+  }
+};
+
+TEST_F(RegistrationFrom, AFolderWithAnApostropheWorks) { expectToWorkFrom(L"it's here"); }
+
+TEST_F(RegistrationFrom, AFolderWithUmlautsAndIdeographsWorks) {
+  expectToWorkFrom(L"Pr\u00FCfst\u00E4nde \u97F3\u58F0 \u03A9");
+}
+
+TEST_F(RegistrationFrom, AFolderThatHasGoneIsUnregisteredByACopyElsewhere) {
+  const std::wstring folder = besideProgram(L"soon gone");
   const std::wstring copy = folder + L"\\QELAudioVisualization4.dll";
   CreateDirectoryW(folder.c_str(), nullptr);
   ASSERT_TRUE(CopyFileW(dllPath().c_str(), copy.c_str(), FALSE));
-  {
-    const LoadedDll other(copy);
-    EXPECT_EQ(S_OK, other.registerServer());
-    expectRegistered(copy);
-    EXPECT_EQ(S_OK, other.unregisterServer());
-    expectAsBefore();
-  }
-  EXPECT_TRUE(DeleteFileW(copy.c_str()));
-  EXPECT_TRUE(RemoveDirectoryW(folder.c_str()));
+  EXPECT_EQ(S_OK, LoadedDll(copy).registerServer());
+  ASSERT_TRUE(DeleteFileW(copy.c_str()));
+  ASSERT_TRUE(RemoveDirectoryW(folder.c_str()));
+  EXPECT_EQ(S_OK, dll.unregisterServer());
+  expectAsBefore();
 }
 
 /// The thread's locale for one test; German (Austria) is nobody's default here.
