@@ -73,10 +73,23 @@ def _removal_file(root, kind):
     return ["REGEDIT4", "", "; A part of unregister-user.cmd: removes what register-user.cmd wrote.", "", *removals]
 
 
-def _server_lines(arch, options):
+def _server_line(arch, library, option=""):
+    return f'"%REGSVR{ARCHITECTURES[arch]}%" /s {option}"%HERE%bin\\{arch}\\{library.name}.dll"'
+
+
+def _register_lines(arch):
     for library in LIBRARIES:
-        yield f'"%REGSVR{ARCHITECTURES[arch]}%" /s {options}"%HERE%bin\\{arch}\\{library.name}.dll"'
-        yield "if errorlevel 1 goto failed"
+        yield from (_server_line(arch, library), "if errorlevel 1 goto failed")
+
+
+def _unregister_lines(arch):
+    """Where the folder was moved, the system does not find the registered type library, which it has to read in order to
+    remove it: then the library is registered where it lies now, first."""
+    for library in LIBRARIES:
+        label = f"removed_{arch}_{library.name}"
+        yield from (_server_line(arch, library, "/u "), f"if not errorlevel 1 goto {label}")
+        yield from (_server_line(arch, library), "if errorlevel 1 goto failed")
+        yield from (_server_line(arch, library, "/u "), "if errorlevel 1 goto failed", f":{label}")
 
 
 def _check_lines(arch):
@@ -96,8 +109,8 @@ def write(root, folder):
     for arch in ARCHITECTURES:
         blocks[f"CHECK_{arch}"] = _check_lines(arch)
         blocks[f"ADD_{arch}"] = _add_lines(root, arch)
-        blocks[f"REGISTER_{arch}"] = _server_lines(arch, "")
-        blocks[f"UNREGISTER_{arch}"] = _server_lines(arch, "/u ")
+        blocks[f"REGISTER_{arch}"] = _register_lines(arch)
+        blocks[f"UNREGISTER_{arch}"] = _unregister_lines(arch)
     blocks = {f"@{name}@": list(lines) for name, lines in blocks.items()}
     for template in sorted(_TEMPLATES.glob("*.cmd.in")):
         lines = []

@@ -127,6 +127,15 @@ class MachineScripts(Installed):
         self.assertEqual(code, 0, output)
         self.assert_as_before(before)
 
+    def test_take_back_a_registration_from_where_the_folder_was_moved_to(self):
+        folder = self.unpack_in_wine()
+        before = self.wine.registry()
+        self.assertEqual(self.run_script(folder, "register-machine")[0], 0)
+        moved = folder.rename(folder.with_name("moved"))
+        code, output = self.run_script(moved, "unregister-machine")
+        self.assertEqual(code, 0, output)
+        self.assertEqual(changes(before, self.wine.registry()), ({}, {}))
+
     def test_registered_controls_show_a_block(self):
         folder = self.unpack_in_wine()
         self.assertEqual(self.run_script(folder, "register-machine")[0], 0)
