@@ -19,7 +19,7 @@ help:
 	@echo "make test-x86   the 32-bit tests, in a 32-bit Wine of their own"
 	@echo "make build      the 64-bit and the 32-bit libraries: build/x64/bin, build/x86/bin"
 	@echo "make package    one zip and one installer: build/package"
-	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT: a table"
+	@echo "make bench      times the portable core against its plain operations, FFTW and KissFFT, and the controls: tables"
 	@echo "make fuzz       every fuzzer for FUZZ_SECONDS (60), or for FUZZ_RUNS inputs: a table"
 	@echo "make soak       random lives of the controls for SOAK_SECONDS (600), and what they leave behind"
 	@echo "make coverage   line and branch coverage of the portable core"
@@ -78,6 +78,8 @@ bench:
 	@tools/bootstrap.sh build bench
 	@tools/build bench core_bench
 	@tools/bench --write
+	@tools/build x64 control_bench
+	@tools/bench-controls --write
 
 fuzz:
 	@tools/bootstrap.sh fuzz

@@ -17,7 +17,7 @@ packagesOf() {
     docs) echo mkdocs mkdocs-material python3 python3-yaml python3-selenium chromium chromium-driver fonts-liberation ;;
     player) echo wine wine64 fonts-liberation ;;
     player-picture) echo xvfb ;;
-    bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ;;
+    bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ffmpeg wine wine64 ;;
     package) echo msitools wixl faketime mkdocs mkdocs-material python3 python3-yaml ;;
     fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;

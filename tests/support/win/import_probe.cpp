@@ -66,6 +66,12 @@ std::vector<std::string> importedFunctions(HMODULE module) {
   return names;
 }
 
+void* importedFunction(HMODULE module, const std::string& function) {
+  for (const auto& [name, slot] : importTable(module))
+    if (name == function) return *slot;
+  return nullptr;
+}
+
 ImportProbe::ImportProbe(HMODULE module, const std::vector<std::string>& functions)
     : m_stubs(static_cast<unsigned char*>(
           VirtualAlloc(nullptr, functions.size() * stubBytes + 1, MEM_COMMIT | MEM_RESERVE, PAGE_EXECUTE_READWRITE))),

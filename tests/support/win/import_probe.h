@@ -12,6 +12,9 @@ namespace av::test {
 /// Names of the functions that a loaded module imports, of whatever library.
 std::vector<std::string> importedFunctions(HMODULE module);
 
+/// What a loaded module calls under the name of a function that it imports; null where it does not import it.
+void* importedFunction(HMODULE module, const std::string& function);
+
 /// Counts the calls that one loaded module makes of functions that it imports, for as long as the object lives. Calls of
 /// other modules, the system's own among them, are not seen. The module must neither be unloaded nor be in a call of one of
 /// these functions when the probe comes or goes.
