@@ -20,7 +20,7 @@ packagesOf() {
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ffmpeg wine wine64 ;;
     package) echo msitools wixl faketime mkdocs mkdocs-material python3 python3-yaml ;;
     fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
-    lint) echo clang-format-14 clang-tidy-14 shellcheck python3 ;;
+    lint) echo clang-format-14 clang-tidy-14 cppcheck shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
     samples) echo mono-mcs libmono-system-windows-forms4.0-cil libmono-system-drawing4.0-cil \
                   libmono-microsoft-csharp4.0-cil fp-compiler fpc-source python3 ;;
