@@ -223,6 +223,45 @@ TEST_F(MeterAnalysisTest, DepthsBeyondAllReasonShowTheFloor) {
   EXPECT_EQ(values(), std::vector<double>(100, -91.0));
 }
 
+/// The highest line after each of these numbers of equal blocks.
+std::vector<double> highestAfter(const std::vector<int>& blockCounts, const Pcm& pcm) {
+  test::CountingLock lock;
+  LineList list{lock};
+  list.SetLineCount(100);
+  MeterAnalysis analysis{list};
+  MeterSettings settings;
+  std::vector<double> highest;
+  for (int block = 1; block <= blockCounts.back(); ++block) {
+    analysis.accept(pcm.block(), settings, 4000);
+    if (std::find(blockCounts.begin(), blockCounts.end(), block) == blockCounts.end()) continue;
+    list.withLines([&](std::span<LineInfo> lines) {
+      highest.push_back(std::max_element(lines.begin(), lines.end(), [](const LineInfo& a, const LineInfo& b) {
+                          return a.value < b.value;
+                        })->value);
+    });
+  }
+  return highest;
+}
+
+// Hosts that push other blocks see their lowest bars climb to the top; docs/levels.md warns of it.
+TEST_F(MeterAnalysisTest, BlocksThatAreNoPowerOfTwoGrowWithEachRepetition) {
+  const auto blockOf = [](int frames) {
+    std::mt19937 random(1);
+    return makePcm(16, 1, frames, [&](int, int) { return static_cast<int>(random() % 20000) - 10000; });
+  };
+  for (const int frames : {256, 512, 1024, 2048, 4096, 8192, 16384}) {
+    const auto highest = highestAfter({1, 400}, blockOf(frames));
+    EXPECT_EQ(highest[0], highest[1]) << frames << " frames";
+    EXPECT_TRUE(-57 < highest[0] && highest[0] < -29) << frames << " frames: " << highest[0];
+  }
+  for (const int frames : {960, 1100, 4410, 4800}) {
+    const auto highest = highestAfter({1, 100, 400}, blockOf(frames));
+    EXPECT_GT(0, highest[0]) << frames << " frames";
+    EXPECT_LT(200, highest[1]) << frames << " frames";
+    EXPECT_LT(1000, highest[2]) << frames << " frames";
+  }
+}
+
 TEST_F(MeterAnalysisTest, BlocksLongerThanTheBufferAreCutOff) {
   m_list.SetLineCount(50);
   const auto pcm = noise(16, 1, 60000);
