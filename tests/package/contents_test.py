@@ -87,7 +87,7 @@ class Contents(unittest.TestCase):
         subprocess.run(["sha256sum", "--check", "--strict", "--quiet", "SHA256SUMS"], cwd=self.folder, check=True)
 
     def test_no_file_names_a_place_of_the_machine_that_made_it(self):
-        places = [str(ROOT), str(ROOT.parent), "/usr/lib/", "/usr/share/", "/tmp/", "/home/", "/root/", "/build/x"]
+        places = [f"{ROOT}/", f"{ROOT.parent}/", "/usr/lib/", "/usr/share/", "/tmp/", "/home/", "/root/", "/build/x"]
         for path in sorted(p for p in self.folder.rglob("*") if p.is_file()):
             data = path.read_bytes()
             # Pages and their index may speak of places that every system has.
