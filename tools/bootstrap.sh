@@ -10,8 +10,8 @@ packagesOf() {
     # wine64 also carries stdole2.tlb, which the type library refers to.
     build) echo cmake ninja-build g++ g++-mingw-w64-x86-64-posix g++-mingw-w64-i686-posix mingw-w64-tools \
                 googletest python3 wine wine64 ;;
-    # libclang-common-14-dev has the header that the replayed inputs of the fuzzers are read with.
-    test) echo wine wine64 fonts-liberation googletest python3 libclang-common-14-dev ;;
+    # libclang-rt-14-dev has the header that the replayed inputs of the fuzzers are read with.
+    test) echo wine wine64 fonts-liberation googletest python3 libclang-rt-14-dev ;;
     test-full) echo xvfb xdotool clang-14 ;;
     demo) echo wine wine64 fonts-liberation sonic-pi-samples flac ;;
     docs) echo mkdocs mkdocs-material python3 python3-yaml python3-selenium chromium chromium-driver fonts-liberation ;;
@@ -19,7 +19,7 @@ packagesOf() {
     player-picture) echo xvfb ;;
     bench) echo libbenchmark-dev libfftw3-dev libkissfft-dev pkg-config ffmpeg wine wine64 ;;
     package) echo msitools wixl faketime mkdocs mkdocs-material python3 python3-yaml ;;
-    fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libclang-common-14-dev libstdc++-12-dev python3 util-linux ;;
+    fuzz) echo cmake ninja-build clang-14 libclang-rt-14-dev libstdc++-12-dev python3 util-linux ;;
     lint) echo clang-format-14 clang-tidy-14 cppcheck shellcheck python3 ;;
     coverage) echo cmake ninja-build g++ googletest gcovr python3 ;;
     samples) echo mono-mcs libmono-system-windows-forms4.0-cil libmono-system-drawing4.0-cil \
