@@ -243,8 +243,8 @@ std::vector<double> highestAfter(const std::vector<int>& blockCounts, const Pcm&
   return highest;
 }
 
-// Hosts that push other blocks see their lowest bars climb to the top; docs/levels.md warns of it.
-TEST_F(MeterAnalysisTest, BlocksThatAreNoPowerOfTwoGrowWithEachRepetition) {
+// Hosts that push blocks of most other lengths see their lowest bars climb to the top; docs/levels.md warns of it.
+TEST_F(MeterAnalysisTest, PowersOfTwoStayAsTheyAreAndBlocksOfOtherLengthsGrow) {
   const auto blockOf = [](int frames) {
     std::mt19937 random(1);
     return makePcm(16, 1, frames, [&](int, int) { return static_cast<int>(random() % 20000) - 10000; });
