@@ -57,7 +57,7 @@ soak:
 
 demo:
 	@tools/bootstrap.sh build demo
-	@tools/build x64 QELAudioVisualization4 avdemo
+	@tools/build x64 QELAudioVisualization4 avdemo tutorial_picture
 	@tools/run-demo
 
 docs:

@@ -48,7 +48,7 @@ STANDARD = set(
     unordered_set utility valarray variant vector version immintrin.h""".split()
 )
 
-GENERATED = {"QELAudioVisualization4.h", "AudioBlocks.h", "automation_types.h"}
+GENERATED = {"QELAudioVisualization4.h", "AudioBlocks.h", "automation_types.h", "tutorial_listing.h"}
 INCLUDE = re.compile(r'^\s*#\s*include\s*([<"])([^>"]+)[>"]')
 
 

@@ -1,4 +1,5 @@
-"""Squeezed pictures keep every pixel, the gallery hides nothing that went wrong, and only drawn pictures are accepted."""
+"""Squeezed pictures keep every pixel, the gallery hides nothing that went wrong, only drawn pictures are accepted, and no
+picture of the pages is one that nobody can make again."""
 
 import importlib.machinery
 import importlib.util
@@ -7,6 +8,7 @@ import contextlib
 import json
 import pathlib
 import random
+import re
 import struct
 import sys
 import tempfile
@@ -14,7 +16,8 @@ import unittest
 import zlib
 
 sys.dont_write_bytecode = True
-TOOLS = pathlib.Path(__file__).resolve().parents[2] / "tools"
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+TOOLS = ROOT / "tools"
 sys.path.insert(0, str(TOOLS))
 import squeeze_png  # noqa: E402
 
@@ -144,6 +147,38 @@ class Accepting(Folders):
         self.assertEqual(missing, ["b"])
         self.assertEqual(squeeze_png.decode((self.golden / "a.png").read_bytes()), (2, 2, [(0, 0, 9)] * 4))
         self.assertEqual([path.name for path in self.golden.iterdir()], ["a.png"])
+
+
+class PicturesOfThePages(unittest.TestCase):
+    """But for the reference's, which tools/make-reference --check looks after."""
+
+    IMAGES = ROOT / "docs/images"
+    SHOWN = re.compile(r"!\[[^\]]*\]\(([^)\s:]+)\)")
+
+    def there(self):
+        return {path.name for path in self.IMAGES.iterdir() if path.is_file()}
+
+    def shown(self):
+        """What pages show of the folder, and what they show that is nowhere."""
+        found, lost = set(), set()
+        for page in [*ROOT.glob("*.md"), *ROOT.glob("docs/**/*.md"), *ROOT.glob("samples/**/*.md")]:
+            for picture in self.SHOWN.findall(page.read_text(encoding="utf-8")):
+                path = (page.parent / picture).resolve()
+                if not path.is_file():
+                    lost.add(f"{page.name}: {picture}")
+                elif path.parent == self.IMAGES:
+                    found.add(path.name)
+        return found, lost
+
+    def test_are_all_made_by_a_command(self):
+        bench = "growth.svg"
+        self.assertIn(bench, (TOOLS / "bench").read_text(encoding="utf-8"))
+        self.assertEqual(self.there(), load("refresh-images").images() | {bench})
+
+    def test_are_there_and_shown(self):
+        found, lost = self.shown()
+        self.assertEqual(lost, set())
+        self.assertEqual(found, self.there())
 
 
 if __name__ == "__main__":
