@@ -1,6 +1,7 @@
 #include "gfx/win/scale_font.h"
 
 #include "gfx/saturate.h"
+#include "gfx/win/gdi_handles.h"
 
 #include <olectl.h>
 
@@ -44,11 +45,12 @@ FontFamilyHandle familyMappedByGdi(HFONT font) {
   const HDC dc = CreateCompatibleDC(nullptr);
   if (!dc) return nullptr;
   wchar_t face[LF_FACESIZE] = L"";
-  const HGDIOBJ previous = SelectObject(dc, font);
-  GetTextFaceW(dc, LF_FACESIZE, face);
-  SelectObject(dc, previous);
+  {
+    const GdiSelection selected(dc, font);
+    if (selected) GetTextFaceW(dc, LF_FACESIZE, face);  // not the face that any context has at first
+  }
   DeleteDC(dc);
-  return familyNamed(face);
+  return face[0] ? familyNamed(face) : nullptr;
 }
 
 FontHandle fontOf(const FontFamilyHandle& family, float points, int style) {

@@ -1,10 +1,10 @@
 // The level meter when memory runs out: each allocation of the library in turn fails, in every call that a host makes.
 
+#include "host/first_exception.h"
 #include "host/message_pump.h"
 #include "host/meter_test.h"
 #include "host/process_threads.h"
 #include "support/win/import_probe.h"
-#include "support/win/scripted_audio_data.h"
 
 #include <atomic>
 #include <cstdlib>
@@ -32,7 +32,9 @@ class MeterMemory : public MeterTest {
  protected:
   void SetUp() override {
     ASSERT_NO_FATAL_FAILURE(MeterTest::SetUp());
-    meetAnException();
+    meetAnException(m_meter.Get());
+    EXPECT_EQ(S_OK, m_meter->SendAudioData(nullptr));
+    avhost::pumpMessages(200);  // the worker that the block has started ends
     m_malloc = std::make_unique<ImportReplacement>(m_library.module(), "malloc",
                                                    reinterpret_cast<void*>(&mallocUntilNoneIsLeft));
     ASSERT_NE(nullptr, m_malloc->original()) << "the library gets its memory elsewhere";
@@ -42,21 +44,6 @@ class MeterMemory : public MeterTest {
     m_meter.Reset();
     m_malloc.reset();
     MeterTest::TearDown();
-  }
-
-  /// The library's C++ runtime takes a little memory for the first exception of a thread, and ends the process when there
-  /// is none even for that.
-  void meetAnException() {
-    support::AudioDataScript script;
-    script.offersFrameData = true;
-    script.failingCall = 0;
-    support::ScriptedAudioData data(script);
-    VARIANT argument;
-    V_VT(&argument) = VT_UNKNOWN;
-    V_UNKNOWN(&argument) = &data;
-    EXPECT_EQ(DISP_E_EXCEPTION, invoke(0xaae62, DISPATCH_METHOD, &argument, 1));
-    EXPECT_EQ(S_OK, m_meter->SendAudioData(nullptr));
-    avhost::pumpMessages(200);  // the worker that the block has started ends
   }
 
   /// Runs `call` with memory for 0, 1, 2, ... allocations until none is refused any more. Returns how many it took.

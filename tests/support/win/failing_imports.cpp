@@ -4,8 +4,11 @@
 
 #include <olectl.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdlib>
+#include <iterator>
+#include <mutex>
 
 namespace av::test {
 namespace {
@@ -29,6 +32,44 @@ template <class Tag, class Result, class... Arguments>
 struct StandIn<Tag, Result(WINAPI*)(Arguments...)> {
   static inline Result(WINAPI* original)(Arguments...) = nullptr;
   static Result WINAPI call(Arguments... arguments) { return isToFail() ? Tag::failure() : original(arguments...); }
+};
+
+/// SelectObject fails where an object is put into a device context, not where the one that was there before is put back:
+/// that needs nothing that could be missing.
+class Selections {
+ public:
+  HGDIOBJ select(HDC dc, HGDIOBJ object, HGDIOBJ(WINAPI* original)(HDC, HGDIOBJ)) {
+    const std::lock_guard guard(m_lock);
+    const auto last =
+        std::find_if(m_replaced.rbegin(), m_replaced.rend(), [=](const auto& one) { return one.dc == dc; });
+    if (last != m_replaced.rend() && last->object == object) {
+      m_replaced.erase(std::next(last).base());
+      return original(dc, object);
+    }
+    if (isToFail()) return nullptr;
+    const HGDIOBJ before = original(dc, object);
+    if (before) m_replaced.push_back({dc, before});
+    return before;
+  }
+
+ private:
+  struct Replaced {
+    HDC dc;
+    HGDIOBJ object;
+  };
+  std::mutex m_lock;
+  std::vector<Replaced> m_replaced;
+};
+
+struct SelectObjectTag {
+  static constexpr const char* name = "SelectObject";
+  struct Type {
+    static inline HGDIOBJ(WINAPI* original)(HDC, HGDIOBJ) = nullptr;
+    static HGDIOBJ WINAPI call(HDC dc, HGDIOBJ object) {
+      static Selections selections;
+      return selections.select(dc, object, original);
+    }
+  };
 };
 
 // A stand-in for a function that is known here, so that its type is the header's, and what it answers when it fails.
@@ -108,9 +149,9 @@ FailingImports::FailingImports(HMODULE module, Kind kind) {
     if (!m_replacements.back()->original()) m_replacements.clear();
     return;
   }
-  replace<CreateCompatibleDCTag, CreateDIBSectionTag, CreateFontIndirectWTag, CreatePenTag, GetTextExtentPoint32WTag,
-          GetTextMetricsWTag, PolylineTag, BitBltTag, GetDCTag, DrawTextWTag, OleCreateFontIndirectTag,
-          GdipBitmapSetResolutionTag, GdipCloneFontFamilyTag, GdipCreateBitmapFromResourceTag,
+  replace<SelectObjectTag, CreateCompatibleDCTag, CreateDIBSectionTag, CreateFontIndirectWTag, CreatePenTag,
+          GetTextExtentPoint32WTag, GetTextMetricsWTag, PolylineTag, BitBltTag, GetDCTag, DrawTextWTag,
+          OleCreateFontIndirectTag, GdipBitmapSetResolutionTag, GdipCloneFontFamilyTag, GdipCreateBitmapFromResourceTag,
           GdipCreateBitmapFromScan0Tag, GdipCreateFontTag, GdipCreateFontFamilyFromNameTag, GdipCreatePen1Tag,
           GdipCreateSolidFillTag, GdipCreateStringFormatTag, GdipDrawImageRectRectITag, GdipDrawLineITag,
           GdipDrawLinesITag, GdipDrawStringTag, GdipGetDpiYTag, GdipGetFontHeightGivenDPITag,
