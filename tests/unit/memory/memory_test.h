@@ -11,10 +11,6 @@ namespace av::test {
 /// A test that is run with the n-th allocation failing, once and from there on, for each n.
 class MemoryTest : public testing::TestWithParam<Failing> {
  protected:
-  void SetUp() override {
-    if (!allocationsAreCounted) GTEST_SKIP() << "the sanitizer has operators new of its own";
-  }
-
   /// Runs `attempt` with one allocation after the other failing. It may throw std::bad_alloc and has to leave `verify`
   /// content; what it made is gone after `cleanUp`. Returns how many allocations it makes when none fails.
   template <class SetUpCase, class Attempt, class Verify>
