@@ -23,8 +23,9 @@ class FramePainter {
   /// Rows of `columns`, which the fills number, written straight into the picture. What a fill asks for of a column that
   /// is not there, or beyond its rows, is left as it is.
   bool fill(std::span<const ColumnFill> fills, std::span<const PreparedColumn> columns) noexcept;
+  /// Lines may end anywhere: what lies far outside of the picture is cut off first.
   bool draw(std::span<const LineSegment> lines) noexcept;
-  /// Lines as wide as they say, a pixel at least. Wide ones have round corners.
+  /// Lines as wide as they say, a pixel at least. Wide ones have round corners; their points lie near the picture.
   bool draw(const Polylines& lines) noexcept;
   /// Texts in `font`; without a font there is nothing to draw and that is no failure.
   bool draw(std::span<const TextRun> texts, const Gdiplus::GpFont* font) noexcept;
@@ -39,6 +40,8 @@ class FramePainter {
 
  private:
   Gdiplus::GpPen* pen(Argb colour, int widthPx = 1) noexcept;
+  bool drawClipped(Gdiplus::GpPen* linePen, Point from, Point to) noexcept;
+  bool drawThin(Gdiplus::GpPen* linePen, std::span<const Point> points) noexcept;
   bool drawLines(Gdiplus::GpPen* linePen, std::span<const Point> points) noexcept;
   bool drawWide(Gdiplus::GpPen* linePen, std::span<const Point> points, int widthPx) noexcept;
 

@@ -334,6 +334,37 @@ TEST_F(FramePainterTest, TakesLinesThatReachFarBeyondThePictureAndPensWiderThanI
   EXPECT_FALSE(inkBox(white).isEmpty());
 }
 
+TEST_F(FramePainterTest, DrawsThePartOfThinLinesThatIsInThePicture) {
+  constexpr int lowest = std::numeric_limits<int>::min();
+  constexpr int highest = std::numeric_limits<int>::max();
+  const std::vector<Point> points{{lowest, 40}, {highest, 40}, {highest, highest}, {10, 10}, {10, lowest}};
+  Polylines line;
+  std::ranges::copy(points, line.add(red, points.size()).begin());
+  std::vector<LineSegment> segments;
+  for (std::size_t i = 1; i < points.size(); ++i) segments.push_back({points[i - 1], points[i], red});
+  for (const bool connected : {true, false}) {
+    ASSERT_TRUE(painter.clear(white));
+    ASSERT_TRUE(connected ? painter.draw(line) : painter.draw(segments));
+    for (int y = 0; y < 80; ++y) {
+      for (int x = 0; x < 120; ++x) {
+        const bool onLine = y == 40 || (x == y && x >= 10) || (x == 10 && y <= 10);
+        ASSERT_EQ(onLine ? red : white, at(x, y)) << x << ", " << y;
+      }
+    }
+  }
+}
+
+TEST_F(FramePainterTest, ThinLinesCostNoMoreThanWhatIsSeenOfThem) {
+  std::mt19937 random(1);
+  std::uniform_int_distribution<int> anywhere(-2000000, 2000000);
+  Polylines line;
+  for (Point& point : line.add(red, 200)) point = {anywhere(random), anywhere(random)};
+  const ULONGLONG begin = GetTickCount64();
+  ASSERT_TRUE(painter.clear(white));
+  ASSERT_TRUE(painter.draw(line));
+  EXPECT_LT(GetTickCount64() - begin, 1000u);  // 0 here; 2,700 where their whole length is drawn
+}
+
 /// Two gradients and one that could not be loaded.
 std::array<PreparedImage, 3> someGradients() {
   const HINSTANCE module = GetModuleHandleW(nullptr);
