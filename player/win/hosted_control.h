@@ -3,7 +3,7 @@
 #include "host/container.h"
 #include "player/control_kind.h"
 #include "player/property_rules.h"
-#include "player/win/property_model.h"
+#include "player/win/property_access.h"
 
 #include <QELAudioVisualization4.h>
 

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <oleauto.h>
+
 #include <string>
 #include <string_view>
 
@@ -29,6 +31,13 @@ inline std::wstring textOf(HWND window) {
   std::wstring text(static_cast<size_t>(GetWindowTextLengthW(window)) + 1, L'\0');
   text.resize(static_cast<size_t>(GetWindowTextW(window, text.data(), static_cast<int>(text.size()))));
   return text;
+}
+
+/// The text of a BSTR, which is freed; empty for null.
+inline std::wstring taken(BSTR text) {
+  std::wstring copy = text ? std::wstring(text, SysStringLen(text)) : std::wstring();
+  SysFreeString(text);
+  return copy;
 }
 
 /// Such as 0x80070057.
