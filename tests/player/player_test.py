@@ -127,6 +127,24 @@ class Player:
         self.keys("Return")
         self.hear(f"row {name}")
 
+    def put(self, name, value):
+        """Types a value into the field of a property."""
+        self.edit(name)
+        self.type(value)
+        self.keys("Return")
+        self.hear(f"put {name} {value} 0x00000000")
+
+    def press(self, keys, answer):
+        """Presses keys one after the other and waits for what the player says of the last one."""
+        self.keys(*keys.split())
+        return self.hear(answer)
+
+    def name_preset(self, name, key, answer):
+        """Types a name into the list of presets and ends with a key: Enter chooses it, ctrl+s saves under it."""
+        self.keys("F3")
+        self.type(name)
+        return self.press(key, answer)
+
     def picture(self, name):
         return self.screen.rows(self.boxes[name])
 
@@ -242,8 +260,7 @@ class PlayerByHand(unittest.TestCase):
             first = player.picture(name)
             time.sleep(0.7)
             self.differ(first, player.picture(name), f"the {name} stands still")
-        player.keys("space")
-        player.hear("paused")
+        player.press("space", "paused")
         stills = {name: player.still(name) for name in (*CONTROLS, "transport")}
         time.sleep(0.5)
         for name, still in stills.items():
@@ -256,8 +273,7 @@ class PlayerByHand(unittest.TestCase):
         self.differ(stills["analyser"], middle)
         player.keys("ctrl+Home")
         self.differ(middle, player.still("analyser"))
-        player.keys("ctrl+p")
-        player.hear("playing")
+        player.press("ctrl+p", "playing")
         self.quit(player)
 
     def test_edits_properties_and_keeps_them_as_a_preset(self):
@@ -265,75 +281,48 @@ class PlayerByHand(unittest.TestCase):
         view, analyser = player.still("view"), player.still("analyser")
         meter = player.still("meter")
 
-        player.keys("ctrl+2")
-        player.hear("selected meter")
+        player.press("ctrl+2", "selected meter")
         player.edit("LineType")
-        player.keys("Down")
-        player.hear("put LineType 2 0x00000000")
+        player.press("Down", "put LineType 2 0x00000000")
         dots = player.still("meter")
         self.differ(meter, dots)
 
-        player.edit("SpotHeight")
-        player.type("9")
-        player.keys("Return")
-        player.hear("put SpotHeight 9 0x00000000")
+        player.put("SpotHeight", "9")
         high = player.still("meter")
         self.differ(dots, high)
-        player.keys("Down")
-        player.hear("put SpotHeight 8 0x00000000")
-        player.keys("Up")
-        player.hear("put SpotHeight 9 0x00000000")
+        player.press("Down", "put SpotHeight 8 0x00000000")
+        player.press("Up", "put SpotHeight 9 0x00000000")
         self.same(high, player.still("meter"))
         self.same(view, player.picture("view"))
         self.same(analyser, player.picture("analyser"))
 
         # A colour by its text, and a check box.
-        player.keys("ctrl+1")
-        player.hear("selected view")
-        player.edit("BackColor")
-        player.type("#401020")
-        player.keys("Return")
-        player.hear("put BackColor #401020 0x00000000")
+        player.press("ctrl+1", "selected view")
+        player.put("BackColor", "#401020")
         red = player.still("view")
         self.assertTrue(shares_colour(red, (0x40, 0x10, 0x20), 10000))
         player.edit("GridVisible")
-        player.keys("space")
-        player.hear("put GridVisible false 0x00000000")
+        player.press("space", "put GridVisible false 0x00000000")
         plain = player.still("view")
         self.differ(red, plain)
 
         # Saved, changed, and back again.
-        player.keys("F3")
-        player.type("Mine")
-        player.keys("ctrl+s")
-        player.hear("saved Mine")
+        player.name_preset("Mine", "ctrl+s", "saved Mine")
         text = player.presets.read_text(encoding="utf-8")
         self.assertIn("[Mine]", text)
         self.assertRegex(text, r"(?m)^Meter\.SpotHeight = 9$")
         self.assertRegex(text, r"(?m)^View\.BackColor = #401020$")
-        player.keys("F3")
-        player.type("Paper")
-        player.keys("Return")
-        player.hear("preset Paper")
+        player.name_preset("Paper", "Return", "preset Paper")
         self.assertTrue(shares_colour(player.still("view"), (255, 255, 255), 10000))
-        player.keys("F3")
-        player.type("Mine")
-        player.keys("Return")
-        player.hear("preset Mine")
+        player.name_preset("Mine", "Return", "preset Mine")
         self.same(plain, player.still("view"))
         self.same(high, player.still("meter"))
-        player.keys("ctrl+Prior")
-        player.hear("preset As it comes")
-        player.keys("ctrl+Next")
-        player.hear("preset Mine")
-        player.keys("ctrl+shift+d")
-        player.hear("deleted Mine")
+        player.press("ctrl+Prior", "preset As it comes")
+        player.press("ctrl+Next", "preset Mine")
+        player.press("ctrl+shift+d", "deleted Mine")
         self.assertNotIn("[Mine]", player.presets.read_text(encoding="utf-8"))
         # A built-in one stays.
-        player.keys("F3")
-        player.type("Paper")
-        player.keys("ctrl+s")
-        self.assertIn("built in", player.hear("saved Paper"))
+        self.assertIn("built in", player.name_preset("Paper", "ctrl+s", "saved Paper"))
         self.quit(player)
 
     def test_shows_why_a_value_is_refused(self):
@@ -364,8 +353,7 @@ class PlayerByHand(unittest.TestCase):
         player.type("7")
         player.keys("Escape")
         self.comes_back(before, field)
-        player.keys("Escape", "space")
-        player.hear("playing")
+        player.press("Escape space", "playing")
         self.quit(player)
 
     def test_saves_what_the_screen_shows(self):
@@ -439,18 +427,15 @@ class PlayerByHand(unittest.TestCase):
             player.hear("box client")
             time.sleep(1.5)
             self.check_layout(player, [*CONTROLS, "panel", "transport"])
-        player.keys("ctrl+b")
-        player.hear("box client")
+        player.press("ctrl+b", "box client")
         time.sleep(1)
         wide = player.boxes["view"]
         self.check_layout(player, [*CONTROLS, "transport"])
-        player.keys("F11")
-        player.hear("box client")
+        player.press("F11", "box client")
         time.sleep(1.5)
         self.assertEqual((0, 0, 1400, 1000), player.boxes["client"])
         self.check_layout(player, CONTROLS)
-        player.keys("Escape")
-        player.hear("box client")
+        player.press("Escape", "box client")
         time.sleep(1)
         self.assertEqual(wide[2:], player.boxes["view"][2:])
         self.quit(player)
@@ -477,7 +462,6 @@ def decode(path):
     width, height, pixels = squeeze_png.decode(path.read_bytes())
     samples = b"".join(map(bytes, pixels))
     return width, height, [samples[at:at + 3 * width] for at in range(0, len(samples), 3 * width)]
-
 
 
 if __name__ == "__main__":
