@@ -1,6 +1,6 @@
 #pragma once
 
-// A plain container: one window that hosts one control. For hosts; Windows headers only.
+// A plain container: one window that hosts one control. For hosts; C++11 and the Windows headers only.
 //
 //   avhost::Controls controls;
 //   controls.open();

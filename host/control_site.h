@@ -1,7 +1,7 @@
 #pragma once
 
 // What a hosted control sees of its container: the client site, the in-place site and frame, the control site, the
-// view-change sink and the ambient properties, in one object. For hosts; Windows headers only.
+// view-change sink and the ambient properties, in one object. For hosts; C++11 and the Windows headers only.
 // Hosts use it through avhost::Container.
 
 #include <windows.h>

@@ -1,7 +1,7 @@
 #pragma once
 
 // Waits that keep the message loop of a control's thread turning. Timer ticks, paints and calls from other apartments
-// arrive as messages; a thread that sleeps instead starves its controls.
+// arrive as messages; a thread that sleeps instead starves its controls. For hosts; C++11 and the Windows headers only.
 
 #include <windows.h>
 

@@ -3,6 +3,7 @@
 SDK, the stand-in in sdk/, which knows nothing of MinGW-w64's own. Both architectures; C++ of two standards, C.
 """
 
+import re
 import subprocess
 import sys
 import unittest
@@ -68,6 +69,18 @@ class Headers(unittest.TestCase):
                  f"-I{self.include}", "-x", "c++", "-"], cwd=package, input=text, text=True, capture_output=True,
                 check=False)
             self.assertEqual(run.returncode, 0, run.stderr)
+
+    def test_each_header_for_hosts_compiles_alone_as_the_standard_that_its_head_names(self):
+        package = self.include.parent
+        for header in sorted((package / "host").glob("*.h")):
+            with self.subTest(header=header.name):
+                standard = re.search(r"C\+\+(\d\d)", header.read_text(encoding="utf-8"))
+                self.assertTrue(standard, "its head names no standard")
+                run = subprocess.run(
+                    ["x86_64-w64-mingw32-g++-posix", f"-std=c++{standard[1]}", "-Wall", "-Wextra", "-Werror",
+                     "-fsyntax-only", f"-I{package}", f"-I{self.include}", "-x", "c++", "-"], cwd=package,
+                    input=f'#include "host/{header.name}"\n', text=True, capture_output=True, check=False)
+                self.assertEqual(run.returncode, 0, run.stderr)
 
 
 if __name__ == "__main__":
