@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Checks of the samples that no compiler makes:  tools/check_samples.py [ROOT]
 
-Identifiers in the samples are identifiers of the library, and every hand-written IAudioFrameData has its methods in the
+Identifiers in the samples and on the pages are identifiers of the library, and every hand-written IAudioFrameData has its methods in the
 slots that the controls call. The Python sample is imported for that, with a stand-in for comtypes. Prints what is wrong
 and exits with 1.
 """
@@ -40,8 +40,8 @@ def known_identifiers(root):
 
 def check_identifiers(root):
     known = known_identifiers(root)
-    for path in sorted((root / "samples").rglob("*")):
-        if path.suffix not in (".cs", ".pas", ".dpr", ".py", ".ps1", ".frm", ".vbs", ".js"):
+    for path in sorted([*(root / "samples").rglob("*"), *(root / "docs").rglob("*.md")]):
+        if path.suffix not in (".cs", ".pas", ".dpr", ".py", ".ps1", ".frm", ".vbs", ".js", ".md"):
             continue
         for guid in GUID.findall(path.read_text(encoding="utf-8")):
             if guid.upper() not in known:
