@@ -8,12 +8,15 @@ sys.dont_write_bytecode = True
 
 from installed import (  # noqa: E402
     LIBRARIES, SOFTWARE, USER, Installed, as_32_bit, below, for_32_bit, for_64_bit, placed, without)
+import traces  # noqa: E402
 from wine_prefix import ROOT, WORK, changes, windows_path  # noqa: E402
 
 sys.path.insert(0, str(ROOT / "package"))
 import installer  # noqa: E402
 
+CONTROL_VIEW = "62D89C1C-1C5B-467C-944F-F822CB0D6278"
 UNINSTALL = "HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Uninstall\\"
+
 
 class Installer(Installed):
     PROGRAM_FILES = {"x64": "Program Files", "x86": "Program Files (x86)"}
@@ -21,8 +24,9 @@ class Installer(Installed):
     def install(self):
         self.wine.must("msiexec", "/i", windows_path(self.package.msi), "/qn")
 
-    def remove(self):
-        self.wine.must("msiexec", "/x", windows_path(self.package.msi), "/qn")
+    def remove(self, msi=None, *properties):
+        self.wine.must("msiexec", "/x", windows_path(msi or self.package.msi), "/qn", *properties)
+        self.wine.remove_what_wines_installer_leaves()
 
     def program_folder(self, arch):
         return self.wine.drive() / self.PROGRAM_FILES[arch] / "QELAudioVisualization4"
@@ -41,6 +45,7 @@ class Installer(Installed):
             self.assertEqual(target.read_bytes(), file.read_bytes(), name)
         self.remove()
         self.assert_as_before(before)
+        self.assert_nothing_of_ours()
 
     def test_writes_the_entries_that_regsvr32_writes(self):
         expected = for_64_bit(self.registered_by_regsvr32())
@@ -62,7 +67,7 @@ class Installer(Installed):
         self.assert_usable(self.libraries("x64"))
         self.remove()
         self.assert_not_usable()
-
+        self.assert_nothing_of_ours()
 
     def products(self):
         """The products that the system's installer knows."""
@@ -78,7 +83,6 @@ class Installer(Installed):
         return msi
 
     def test_a_newer_version_replaces_this_one_and_this_one_refuses_to_replace_it(self):
-        before = self.wine.state()
         newer = self.of_another_version("9.0.0")
         self.install()
         self.assertEqual(list(self.products().values()), [self.package.version])
@@ -87,17 +91,16 @@ class Installer(Installed):
         self.assertNotEqual(self.wine.run("msiexec", "/i", windows_path(self.package.msi), "/qn").code, 0)
         self.assertEqual(list(self.products().values()), ["9.0.0"])
         self.assert_usable(self.libraries("x64"))
-        self.wine.must("msiexec", "/x", windows_path(newer), "/qn")
+        self.remove(newer)
         self.assertEqual(self.products(), {})
-        after = self.wine.files()
-        self.assertEqual({f for f in after - before[1] if "QELAudioVisualization4" in f}, set())
         self.assert_not_usable()
+        self.assert_nothing_of_ours(newer)
 
     def test_the_libraries_alone_can_be_installed_elsewhere(self):
-        before = self.wine.state()
+        before = self.wine.files()
         folders = ("INSTALLDIR=C:\\Sound", "INSTALLDIR32=C:\\Sound32")
         self.wine.must("msiexec", "/i", windows_path(self.package.msi), "/qn", "ADDLOCAL=Libraries", *folders)
-        found = {f for f in self.wine.files() - before[1] if f.startswith("Sound") and "." in f.rpartition("/")[2]}
+        found = {f for f in self.wine.files() - before if f.startswith("Sound") and "." in f.rpartition("/")[2]}
         names = [f"{library}.{e}" for library in LIBRARIES for e in ("dll", "manifest", "tlb")]
         names.append("QELAudioVisualization4.ProgIds.manifest")
         wanted = {f"{folder}/bin/{arch}/{name}"
@@ -105,9 +108,68 @@ class Installer(Installed):
         self.assertEqual(found, wanted | {"Sound/README.md", "Sound/CHANGELOG.md"})
         self.assert_usable("C:\\Sound\\bin\\x64")
         # Windows knows where it has put components; Wine's installer has to be told once more.
-        self.wine.must("msiexec", "/x", windows_path(self.package.msi), "/qn", *folders)
+        self.remove(self.package.msi, *folders)
         self.assertEqual({f for f in self.wine.files() if f.startswith("Sound")}, set())
         self.assert_not_usable()
+        self.assert_nothing_of_ours()
+
+
+class Leftovers(Installed):
+    """What the tests above take for a clean end is none with any of these."""
+
+    def plant(self, *lines):
+        self.wine.import_registry(lines)
+
+    def test_of_the_registry_are_seen_where_they_are_compared(self):
+        places = ("HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows\\CurrentVersion\\Installer\\UserData\\S-1-5-18",
+                  "HKEY_LOCAL_MACHINE\\Software\\Classes\\Installer\\Products\\Empty",
+                  "HKEY_LOCAL_MACHINE\\Software\\Wow6432Node\\Somewhere", "HKEY_USERS\\.Default\\Software\\Somewhere")
+        before = self.wine.state()
+        for lines in [[f"[{places[0]}]", '"Value"="1"'], *([f"[{place}]"] for place in places[1:])]:
+            self.plant(*lines)
+            self.wine.remove_what_wines_installer_leaves()
+            with self.assertRaises(AssertionError, msg=lines[0]):
+                self.assert_as_before(before)
+            self.plant("[-" + lines[0][1:])
+            self.wine.remove_what_wines_installer_leaves()
+        self.assert_as_before(before)
+
+    def test_of_files_are_seen(self):
+        before = self.wine.state()
+        for name in "windows/Installer/left.msi", "users/Public/Temp/left.tmp", "ProgramData/left/left.txt":
+            file = self.wine.drive() / name
+            made = [folder for folder in file.parents if not folder.exists()]
+            file.parent.mkdir(parents=True, exist_ok=True)
+            file.write_text("left")
+            self.wine.remove_what_wines_installer_leaves()
+            with self.assertRaises(AssertionError, msg=name):
+                self.assert_as_before(before)
+            file.unlink()
+            for folder in made:
+                folder.rmdir()
+        self.assert_as_before(before)
+        with (self.wine.drive() / "windows/win.ini").open("a", encoding="ascii") as other:
+            other.write(" ")
+        with self.assertRaises(AssertionError):
+            self.assert_as_before(before)
+
+    def test_of_ours_are_seen_even_where_wine_writes(self):
+        self.assert_nothing_of_ours()
+        key = "HKEY_CURRENT_USER\\Software\\Wine\\Left"
+        spelled = ",".join(f"{byte:02x}" for byte in "a\\audioblocks.dll".encode("utf-16-le"))
+        product = installer.product_code(self.package.version)
+        for line in ("[{key}\\{view}]", '[{key}]\n"{packed}"=""', '[{key}]\n"Path"="C:\\\\QELAUDIOVISUALIZATION4.tlb"',
+                     '[{key}]\n"Bytes"=hex:{spelled}', '[{key}]\n@="{{{product}}}"'):
+            self.plant(*line.format(key=key, view=CONTROL_VIEW, packed=traces.packed(product), spelled=spelled,
+                                    product=product.lower()).split("\n"))
+            with self.assertRaises(AssertionError, msg=line):
+                self.assert_nothing_of_ours()
+            self.plant(f"[-{key}]")
+        self.assert_nothing_of_ours()
+        (self.wine.drive() / "windows/temp").mkdir(exist_ok=True)
+        (self.wine.drive() / "windows/temp/AudioBlocks.log").write_text("")
+        with self.assertRaises(AssertionError):
+            self.assert_nothing_of_ours()
 
 
 class MachineScripts(Installed):

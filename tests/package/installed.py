@@ -4,6 +4,7 @@ import shutil
 import struct
 import unittest
 
+import traces
 from made_package import Package, compile_against
 from wine_prefix import WORK, WinePrefix, changes, windows_path
 
@@ -129,8 +130,12 @@ class Installed(unittest.TestCase):
     def assert_as_before(self, before):
         after = self.wine.state()
         self.assert_same_entries(after[0], before[0])
-        self.assertEqual(after[1] - before[1], set())
-        self.assertEqual(before[1] - after[1], set())
+        self.assertEqual(changes(before[1], after[1]), ({}, {}), "(files that are new or other; files that are gone)")
+
+    def assert_nothing_of_ours(self, *other_msis):
+        """Nowhere in the prefix, not even where Wine writes by itself."""
+        identifiers = traces.identifiers_of(self.package.msi, *other_msis)
+        self.assertEqual(traces.found(identifiers, self.wine.whole_registry(), self.wine.stamped_files()), set())
 
     def run_script(self, folder, name):
         run = self.wine.run("cmd", "/c", f"{name}.cmd", cwd=folder)

@@ -5,23 +5,35 @@ import os
 import pathlib
 import re
 import shutil
+import stat
 import subprocess
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 TOOLS = ROOT / "tools"
 WORK = ROOT / "build" / "package-test"
 
-# What Wine itself writes while programs run: devices, volatile settings, and the keys in which its installer service
-# keeps products, which stay when the last product has gone.
+# What Wine itself writes anew whenever programs run: devices, services, and settings of the session.
 _OF_WINE = re.compile(
     r"(HKEY_LOCAL_MACHINE\\(Hardware|System|Software\\Wine"
     r"|Software\\(Wow6432Node\\)?Microsoft\\Windows NT\\CurrentVersion\\NetworkCards)"
     r"|HKEY_CURRENT_USER\\(Software\\Wine|Volatile Environment))(\\|$)",
     re.IGNORECASE)
-_INSTALLER_KEYS = re.compile(
-    r"HKEY_LOCAL_MACHINE\\Software\\(Classes\\Installer(\\(Features|Products|UpgradeCodes))?"
-    r"|Microsoft\\Windows\\CurrentVersion\\Installer\\(UpgradeCodes|UserData(\\S-1-5-18(\\(Components|Products))?)?))",
-    re.IGNORECASE)
+# Files at the top of the prefix: locks of tools/wine-run, and the registry as the server keeps it, which is read from
+# the server.
+_FILES_OF_THE_RUN = re.compile(r"\.lock|\.started\..*|(system|user|userdef)\.reg")
+
+# Wine's own installer makes these for its first product and leaves them, empty, when the last one has gone. They belong
+# to no product: what belongs to one lies below them. Innermost first.
+_MACHINE = "HKEY_LOCAL_MACHINE\\Software\\"
+_INSTALLER = _MACHINE + "Microsoft\\Windows\\CurrentVersion\\Installer\\"
+_INSTALLER_KEYS = [
+    *(f"{_MACHINE}Classes\\Installer{key}" for key in ("\\Features", "\\Products", "\\UpgradeCodes", "")),
+    *(_INSTALLER + key for key in ("UserData\\S-1-5-18\\Components", "UserData\\S-1-5-18\\Products",
+                                   "UserData\\S-1-5-18", "UserData", "UpgradeCodes"))]
+_INSTALLER_FOLDER = "windows/Installer"
+
+# As whom Wine runs everything.
+_THE_USER = re.compile(r"HKEY_USERS\\S-1-5-21-[\d-]+(?=\\|$)")
 
 
 class Run:
@@ -53,7 +65,8 @@ class WinePrefix:
     def __init__(self, name, arch="x64"):
         self.arch = arch
         self.folder = WORK / f"wine-{name}"
-        self.environment = dict(os.environ, AV_WINEPREFIX=str(self.folder), AV_WINE_TIMEOUT="120")
+        # The server lives through the whole test: a new one writes settings of a new session.
+        self.environment = dict(os.environ, AV_WINEPREFIX=str(self.folder), AV_WINE_TIMEOUT="120", AV_WINE_KEEP_S="900")
         self.remove()
         self.folder.parent.mkdir(parents=True, exist_ok=True)
 
@@ -77,17 +90,34 @@ class WinePrefix:
     def drive(self):
         return self.folder / "drive_c"
 
-    def registry(self):
-        """The machine's and the user's entries, without what is Wine's own."""
+    def whole_registry(self):
+        """The machine's entries and those of all users."""
         entries = {}
-        for root in "HKEY_LOCAL_MACHINE", "HKEY_CURRENT_USER":
+        for root in "HKEY_LOCAL_MACHINE", "HKEY_USERS":
             file = WORK / f"{self.folder.name}.dump.reg"
             self.must("regedit", "/E", windows_path(file), root)
             text = file.read_bytes().removeprefix(codecs.BOM_UTF16_LE).decode("utf-16-le")
             file.unlink()
             entries.update(parse_registry(text))
-        return {place: data for place, data in entries.items()
-                if not _OF_WINE.match(place[0]) and not _INSTALLER_KEYS.fullmatch(place[0])}
+        return {(_THE_USER.sub("HKEY_CURRENT_USER", key), name): data for (key, name), data in entries.items()}
+
+    def registry(self):
+        """The same without what Wine writes anew by itself."""
+        return {place: data for place, data in self.whole_registry().items() if not _OF_WINE.match(place[0])}
+
+    def remove_what_wines_installer_leaves(self):
+        """Its empty keys and its empty folder. What is not empty stays, to be seen."""
+        registry, empty = self.registry(), []
+        for key in _INSTALLER_KEYS:
+            at_or_below = [place for place in registry if f"{place[0]}\\".lower().startswith(f"{key}\\".lower())]
+            if at_or_below == [(key, None)]:
+                empty.append(key)
+                del registry[key, None]
+        if empty:
+            self.import_registry(f"[-{key}]" for key in empty)
+        folder = self.drive() / _INSTALLER_FOLDER
+        if folder.is_dir() and not any(folder.iterdir()):
+            folder.rmdir()
 
     def import_registry(self, lines):
         file = WORK / f"{self.folder.name}.import.reg"
@@ -99,10 +129,19 @@ class WinePrefix:
     def files(self):
         return {p.relative_to(self.drive()).as_posix() for p in self.drive().rglob("*")}
 
+    def stamped_files(self):
+        """All files and folders of the prefix; files with their size and the time of their last change."""
+        stamps = {}
+        for path in self.folder.rglob("*"):
+            name = path.relative_to(self.folder).as_posix()
+            if not _FILES_OF_THE_RUN.fullmatch(name):
+                status = path.lstat()
+                stamps[name] = None if stat.S_ISDIR(status.st_mode) else (status.st_size, status.st_mtime_ns)
+        return stamps
+
     def state(self):
         """Registry and files, for comparing."""
-        of_wine = re.compile(r"users/.*/temp/|windows/(temp|installer$)", re.IGNORECASE)
-        return self.registry(), {file for file in self.files() if not of_wine.match(file)}
+        return self.registry(), self.stamped_files()
 
 
 def windows_path(path):
@@ -110,6 +149,6 @@ def windows_path(path):
 
 
 def changes(before, after):
-    """(what is new or other, what is gone) between two registries."""
-    new = {place: data for place, data in after.items() if before.get(place, None) != data}
+    """(what is new or other, what is gone) between two registries, or between two sets of stamped files."""
+    new = {place: data for place, data in after.items() if place not in before or before[place] != data}
     return new, {place: data for place, data in before.items() if place not in after}
