@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 """Checks that each row of docs/behaviour.md names a test that exists:  tools/check_behaviour.py [ROOT]
 
-The last column of every table is "Test" and holds the names of tests in backticks, as `Suite.Name`. Prints
-FILE:LINE: MESSAGE rows and exits with 1 if a row names none, or one that is not in the sources.
+The last column of every table is "Test" and holds the names of tests in backticks, as `Suite.Name`. The tests that
+docs/reliability.md names anywhere have to exist too, or begin like `Suite.Name...`. Prints FILE:LINE: MESSAGE rows and
+exits with 1 if a row names none, or one that is not in the sources.
 """
 
 import pathlib
@@ -10,8 +11,10 @@ import re
 import sys
 
 DOCUMENT = "docs/behaviour.md"
+OTHER_DOCUMENT = "docs/reliability.md"
 TEST = re.compile(r"^\s*TEST(?:_F|_P)?\(\s*(\w+)\s*,\s*(\w+)\s*\)", re.MULTILINE)
 NAME = re.compile(r"`(\w+)\.(\w+)`")
+NAME_IN_TEXT = re.compile(r"`([A-Z]\w+)\.([A-Z]\w+)(\.\.\.)?`")
 
 
 def tests_in(root):
@@ -64,9 +67,21 @@ def check(root):
     return found
 
 
+def check_text(root):
+    """Complaints about the tests that the other document names, wherever it does."""
+    path = root / OTHER_DOCUMENT
+    existing = tests_in(root)
+    found = []
+    for number, line in enumerate(path.read_text(encoding="utf-8").splitlines(), 1):
+        for suite, name, more in NAME_IN_TEXT.findall(line):
+            if not any(suite == other and (name == test or more and test.startswith(name)) for other, test in existing):
+                found.append((OTHER_DOCUMENT, number, f"there is no test {suite}.{name}{more}"))
+    return found
+
+
 def main():
     root = pathlib.Path(sys.argv[1] if len(sys.argv) > 1 else pathlib.Path(__file__).parent.parent).resolve()
-    found = check(root)
+    found = check(root) + check_text(root)
     for name, number, message in found:
         print(f"{name}:{number}: {message}")
     return 1 if found else 0

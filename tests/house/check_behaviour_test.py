@@ -1,4 +1,5 @@
-"""The checker of docs/behaviour.md has to catch rows without a test and tests that do not exist, and nothing else."""
+"""The checker of docs/behaviour.md has to catch rows without a test and tests that do not exist, there and in
+docs/reliability.md, and nothing else."""
 
 import pathlib
 import sys
@@ -14,14 +15,15 @@ SOURCE = "TEST(Plain, IsKept) {}\nTEST_F(Fixed, IsKept) {}\nTEST_P(Many, IsKept)
 
 
 class CheckBehaviour(unittest.TestCase):
-    def messages(self, document):
+    def messages(self, document, checker=check_behaviour.check):
         with tempfile.TemporaryDirectory() as folder:
             root = pathlib.Path(folder)
             (root / "docs").mkdir()
             (root / "docs" / "behaviour.md").write_text(document)
             (root / "tests" / "com").mkdir(parents=True)
             (root / "tests" / "com" / "some_test.cpp").write_text(SOURCE)
-            return [(line, message) for _, line, message in check_behaviour.check(root)]
+            (root / "docs" / "reliability.md").write_text(document)
+            return [(line, message) for _, line, message in checker(root)]
 
     def test_accepts_rows_that_name_tests_of_every_kind(self):
         rows = "| put | `Plain.IsKept` |\n| get | `Fixed.IsKept`, `Many.IsKept` |\n"
@@ -45,6 +47,16 @@ class CheckBehaviour(unittest.TestCase):
 
     def test_catches_an_empty_document(self):
         self.assertEqual(self.messages("Nothing.\n"), [(1, "no rows found")])
+
+    def test_catches_names_in_a_text_that_are_no_tests(self):
+        for text, messages in [
+            ("As `Plain.IsKept` and `Many.Is...` show, `config.cmake` and `std::vector` apart.", []),
+            ("As `Plain.IsLost` shows.", [(1, "there is no test Plain.IsLost")]),
+            ("As `Plain.Is` shows.", [(1, "there is no test Plain.Is")]),
+            ("As `Fixed.Was...` shows.", [(1, "there is no test Fixed.Was...")]),
+        ]:
+            with self.subTest(text=text):
+                self.assertEqual(self.messages(text + "\n", check_behaviour.check_text), messages)
 
 
 if __name__ == "__main__":
