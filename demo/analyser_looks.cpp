@@ -114,7 +114,7 @@ LONG prepare(IAudioVisualizationTemplate& control, int dpi) {
 template <LONG (*shape)(Analyser&), void (*theme)(Analyser&, int)>
 constexpr Look look(std::wstring_view name) {
   // Every block is drawn at once, and columns stay for half a second.
-  return {name, &CLSID_CAudioVisualization4Type3, wide, 0, prepare<shape, theme>, {}};
+  return {name, &CLSID_CAudioVisualization4Type3, wide, 0, 0, prepare<shape, theme>, {}};
 }
 
 constexpr Look looks[] = {

@@ -16,6 +16,7 @@ struct Look {
   const CLSID* control;  ///< which of the controls
   SIZE sizePx;           ///< that suits it, at 96 DPI
   DWORD restMs;          ///< how long after its last block it has come to rest
+  unsigned restTicks;    ///< ticks that do the same where the machine was too busy for the control's own; 0: none
   /// Puts the properties of a fresh control of that class, on a display of `dpi`; returns how many frames the blocks have
   /// that suit it. Throws a Failure.
   LONG (*prepare)(IAudioVisualizationTemplate& control, int dpi);

@@ -131,6 +131,7 @@ class Demo {
     Player player(*control.Get(), recording, blockFrames);
     player.playToLoudestBlock();
     player.rest(look.restMs);
+    for (unsigned tick = 0; tick < look.restTicks; ++tick) control->_OnTimer();
     if (look.momentsMs.empty()) save(container.controlWindow(), name);
     DWORD shownMs = 0;
     for (std::size_t i = 0; i < look.momentsMs.size(); ++i) {

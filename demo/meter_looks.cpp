@@ -116,7 +116,7 @@ constexpr DWORD restMs = 60;
 
 template <LONG (*shape)(Meter&), void (*theme)(Meter&, int)>
 constexpr Look look(std::wstring_view name, std::span<const DWORD> momentsMs = {}) {
-  return {name, &CLSID_CAudioVisualization4Type2, wide, restMs, prepare<shape, theme>, momentsMs};
+  return {name, &CLSID_CAudioVisualization4Type2, wide, restMs, 0, prepare<shape, theme>, momentsMs};
 }
 
 /// The sound; the ticks where it was; half-way down; nearly at the bottom.

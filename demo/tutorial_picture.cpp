@@ -15,7 +15,7 @@
 namespace {
 
 constexpr int blocksToShow = 88;  // two seconds
-constexpr DWORD restMs = 1500;    // by then the smoothed curves stand still
+constexpr DWORD restMs = 3000;    // twice what the smoothed curves need to stand still
 
 std::filesystem::path pictureFile;
 int blocks = 0;

@@ -110,10 +110,11 @@ LONG prepare(IAudioVisualizationTemplate& control, int) {
 
 /// Falling levels lose a quarter every 30 ms: 100 dB are below 0.1 dB after 24 steps.
 constexpr DWORD restMs = 900;
+constexpr unsigned restTicks = 30;
 
 template <void (*shape)(View&), void (*theme)(View&)>
 constexpr Look look(std::wstring_view name, SIZE sizePx) {
-  return {name, &CLSID_CAudioVisualization4Type1, sizePx, restMs, prepare<shape, theme>, {}};
+  return {name, &CLSID_CAudioVisualization4Type1, sizePx, restMs, restTicks, prepare<shape, theme>, {}};
 }
 
 constexpr Look looks[] = {
