@@ -3,7 +3,7 @@
 
 SHELL := /bin/bash
 .DEFAULT_GOAL := help
-.PHONY: help demo player player-picture docs test test-full test-x86 build package bench fuzz soak coverage \
+.PHONY: help demo player player-picture pictures docs test test-full test-x86 build package bench fuzz soak coverage \
         check-samples lint format clean
 
 JOBS ?= $(shell nproc)
@@ -13,6 +13,7 @@ help:
 	@echo "make demo       pictures of the controls fed with a recording: build/demo/*.png"
 	@echo "make player     opens the player: the three controls, their properties, presets, sound"
 	@echo "make player-picture   pictures of the player's window: build/player/*.png"
+	@echo "make pictures   all pictures of the pages anew, but for the benchmarks' drawing: docs/images"
 	@echo "make docs       the site of all pages, checked: build/docs/site"
 	@echo "make test       the quick tests: native, sanitizers, Windows 64-bit under Wine"
 	@echo "make test-full  all tests, the 32-bit ones too"
@@ -73,6 +74,12 @@ player-picture:
 	@tools/bootstrap.sh build player player-picture
 	@tools/build x64 QELAudioVisualization4 avplayer
 	@tools/player-picture
+
+pictures: demo player-picture
+	@tools/build x64 AudioBlocks describe_controls
+	@tools/refresh-images
+	@tools/make-reference --pictures
+	@tools/wine-stop x64
 
 bench:
 	@tools/bootstrap.sh build bench
