@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Checks of the samples that no compiler makes:  tools/check_samples.py [ROOT]
 
-Identifiers in the samples and on the pages are identifiers of the library, and every hand-written IAudioFrameData has its methods in the
-slots that the controls call. The Python sample is imported for that, with a stand-in for comtypes. Prints what is wrong
-and exits with 1.
+Identifiers in the samples and on the pages are identifiers of the library, and every hand-written IAudioFrameData has its
+methods in the slots that the controls call. The Python sample is imported for that, with a stand-in for comtypes. Prints
+what is wrong and exits with 1.
 """
 
 import ctypes
