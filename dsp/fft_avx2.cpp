@@ -2,6 +2,6 @@
 
 namespace av::dsp {
 
-constinit const FftKernel avx2FftKernel = FftKernelBody<4, 2, 2>::kernel("AVX2");
+constinit const FftKernel avx2FftKernel = FftKernelBody<4, 2, 3>::kernel("AVX2");
 
 }  // namespace av::dsp

@@ -30,7 +30,7 @@ struct FftSteps {
 struct SpectrumSteps {
   std::uint32_t points;
   const double* middleFactors;  ///< of the groups that are their own mirror images
-  const double* factors;        ///< of the other ones, in the order of use
+  const double* factors;        ///< of the other ones, in the order of use; of mirror images half in both
   double divisor;
 };
 

@@ -174,15 +174,24 @@ AV_ALWAYS_INLINE void firstStages(FftSteps steps, Input input, std::size_t group
 template <int lanes, int stages, class Input>
 AV_ALWAYS_INLINE void firstPass(FftSteps steps, Input input, double* real, double* imaginary) noexcept {
   const std::size_t groups = steps.points >> stages;
+  const auto run = [&](std::size_t from, std::size_t to) AV_INLINED {
+    for (std::size_t group = from; group < to; group += lanes)
+      firstStages<lanes, stages>(steps, input, group, real, imaginary);
+  };
   if constexpr (stages == 2) {
-    // A group is half a cache line in the result, and the other half is that of the group half the way on.
-    for (std::size_t group = 0; group < groups / 2; group += lanes) {
+    // A group is half a cache line in the result, and the other half is that of the group half the way on. Where these
+    // two read a multiple of 4 KB apart the second one would be taken for what the first one has just stored, and wait:
+    // there it comes some groups later.
+    const std::size_t lag = groups < 512 ? 0 : 64;
+    const std::size_t second = groups / 2 - lag;
+    run(0, lag);
+    for (std::size_t group = lag; group < groups / 2; group += lanes) {
       firstStages<lanes, stages>(steps, input, group, real, imaginary);
-      firstStages<lanes, stages>(steps, input, group + groups / 2, real, imaginary);
+      firstStages<lanes, stages>(steps, input, group + second, real, imaginary);
     }
+    run(groups - lag, groups);
   } else {
-    for (std::size_t group = 0; group < groups; group += lanes)
-      firstStages<lanes, stages>(steps, input, group, real, imaginary);
+    run(0, groups);
   }
 }
 

@@ -2,6 +2,6 @@
 
 namespace av::dsp {
 
-constinit const FftKernel sse2FftKernel = FftKernelBody<2, 2, 2>::kernel("SSE2");
+constinit const FftKernel sse2FftKernel = FftKernelBody<2, 2, 3>::kernel("SSE2");
 
 }  // namespace av::dsp

@@ -2,6 +2,7 @@
 
 #include "dsp/fft_kernel.h"
 #include "dsp/fft_passes.h"
+#include "simd/halves.h"
 #include "simd/vector_lanes.h"
 
 #include <cstddef>
@@ -40,21 +41,22 @@ struct MirroredPowers {
   V check;  ///< finite only if the transform is, in these bins
 };
 
-/// From the transform in bins k (`rk`, `ik`) and M − k.
-template <class V>
+/// From the transform in bins k (`rk`, `ik`) and M − k. `wr` and `wi` are half of the bins' factors, which stands for
+/// halving what they are multiplied by. Halves that are denormal do not show: nothing that small has a square.
+template <int lanes, class V = Vector<lanes>>
 AV_ALWAYS_INLINE MirroredPowers<V> mirroredPowers(V rk, V ik, V rj, V ij, V wr, V wi) noexcept {
-  const V a = 0.5 * (ik + ij);
-  const V b = -0.5 * (rk - rj);
-  const V c = 0.5 * (rk + rj);
-  const V d = 0.5 * (ik - ij);
+  const V a = ik + ij;
+  const V b = rj - rk;
+  const V c = rk + rj;
+  const V d = ik - ij;
   const V wra = wr * a;
   const V wib = wi * b;
   const V wrb = wr * b;
   const V wia = wi * a;
-  const V x = c + wra - wib;
-  const V y = d + wrb + wia;
-  const V u = c - wra + wib;
-  const V v = -d + wrb + wia;
+  const V x = plusHalf<lanes>(wra, c) - wib;
+  const V y = plusHalf<lanes>(wrb, d) + wia;
+  const V u = wib - minusHalf<lanes>(wra, c);
+  const V v = minusHalf<lanes>(wrb, d) + wia;
   return {x * x + y * y, u * u + v * v, x};
 }
 
@@ -78,8 +80,8 @@ AV_ALWAYS_INLINE double powerOfMiddleBins(const SpectrumSteps& steps, const doub
   };
   double check = 0.0;
   const auto pair = [&](const FourBins<lanes>& bins, int k, int j, std::size_t first, const double* mirror) AV_INLINED {
-    const auto powers = mirroredPowers<V>(bins.real[k], bins.imaginary[k], bins.real[j], bins.imaginary[j],
-                                          V{} + mirror[0], V{} + mirror[1]);
+    const auto powers = mirroredPowers<lanes>(bins.real[k], bins.imaginary[k], bins.real[j], bins.imaginary[j],
+                                              V{} + mirror[0], V{} + mirror[1]);
     power[first] = powers.power[0] / steps.divisor;
     power[steps.points - first] = powers.mirrored[0] / steps.divisor;
     check += powers.check[0];
@@ -125,12 +127,13 @@ AV_ALWAYS_INLINE bool spectrumPass(const SpectrumSteps& steps, const double* rea
     const LaneFactors<lanes> mirror{factors + std::size_t{12} * lanes};
     unrolled<2>([&]<int leg>() AV_INLINED {
       // Bin j + leg·M/4 and its mirror image, then the same with the mirrored groups' bins below the middle.
-      const auto lower = mirroredPowers<V>(down.real[leg], down.imaginary[leg], up.real[3 - leg], up.imaginary[3 - leg],
-                                           mirror.real(leg), mirror.imaginary(leg));
+      const auto lower = mirroredPowers<lanes>(down.real[leg], down.imaginary[leg], up.real[3 - leg],
+                                               up.imaginary[3 - leg], mirror.real(leg), mirror.imaginary(leg));
       store<lanes>(power + j + leg * quarter, lower.power / divisor);
       store<lanes>(power + mirrored + (3 - leg) * quarter, reversed<lanes>(lower.mirrored / divisor));
-      const auto upper = mirroredPowers<V>(up.real[leg], up.imaginary[leg], down.real[3 - leg], down.imaginary[3 - leg],
-                                           mirror.real(2 + leg), mirror.imaginary(2 + leg));
+      const auto upper =
+          mirroredPowers<lanes>(up.real[leg], up.imaginary[leg], down.real[3 - leg], down.imaginary[3 - leg],
+                                mirror.real(2 + leg), mirror.imaginary(2 + leg));
       store<lanes>(power + mirrored + leg * quarter, reversed<lanes>(upper.power / divisor));
       store<lanes>(power + j + (3 - leg) * quarter, upper.mirrored / divisor);
       check += lower.check + upper.check;

@@ -40,9 +40,10 @@ class GroupFactors {
     }
   }
 
+  /// Writes half of the factor of bin k; see mirroredPowers.
   void writeMirror(double* to, std::size_t stride, std::size_t k) const {
-    to[0] = m_mirrorReal[k];
-    to[stride] = m_mirrorImaginary[k];
+    to[0] = 0.5 * m_mirrorReal[k];
+    to[stride] = 0.5 * m_mirrorImaginary[k];
   }
 
  private:

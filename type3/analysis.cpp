@@ -16,8 +16,8 @@ AnalyserAnalysis::AnalyserAnalysis(LineList& columns) : m_columns(columns) {
 }
 
 void AnalyserAnalysis::setFftLength(std::int32_t length) {
-  std::vector<double> samples(static_cast<std::size_t>(length));
-  std::vector<double> power(static_cast<std::size_t>(length) / 2);
+  dsp::AlignedDoubles samples(static_cast<std::size_t>(length));
+  dsp::AlignedDoubles power(static_cast<std::size_t>(length) / 2);
   m_transform.SetLength(length);
   m_samples.swap(samples);
   m_power.swap(power);

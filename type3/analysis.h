@@ -2,6 +2,7 @@
 
 #include "common/audio_block.h"
 #include "common/line_list.h"
+#include "dsp/aligned_doubles.h"
 #include "dsp/spectrum_analyzer.h"
 #include "type3/bands.h"
 #include "type3/fall_off.h"
@@ -70,8 +71,8 @@ class AnalyserAnalysis {
  private:
   LineList& m_columns;
   dsp::CSpectrumAnalyzer m_transform;
-  std::vector<double> m_samples;
-  std::vector<double> m_power;
+  dsp::AlignedDoubles m_samples;
+  dsp::AlignedDoubles m_power;
   std::vector<double> m_bands;
   BandAxis m_planAxis;  ///< what `m_plan` was made for
   std::vector<BinRange> m_plan;

@@ -91,6 +91,22 @@ TEST_P(EachFftKernel, ComputesPowerSpectraOfSpecialValuesWithTheBitsOfTheLiteral
   }
 }
 
+TEST_P(EachFftKernel, ComputesPowerSpectraOfNumbersNearTheLeastWithTheBitsOfTheLiteralOperations) {
+  // Halves of denormal numbers are rounded, which must not show.
+  CSpectrumAnalyzer analyzer(kernel());
+  analyzer.SetLength(256);
+  for (int exponent = -1074; exponent < -400; exponent += 3) {
+    const Signal one{"one size", [=](std::mt19937& random, std::size_t) {
+                       return std::ldexp(std::round(test::uniform(random, 9)), exponent);
+                     }};
+    const Signal two{"two sizes", [=](std::mt19937& random, std::size_t) {
+                       return std::ldexp(test::uniform(random, 1), random() % 3 == 0 ? exponent : exponent / 2 - 500);
+                     }};
+    for (const Signal& signal : {one, two})
+      ASSERT_EQ(powerDifference(analyzer, signal, 28), "") << signal.name << ", 2^" << exponent;
+  }
+}
+
 TEST_P(EachFftKernel, ComputesManyBlocksWithTheBitsOfTheLiteralOperations) {
   CSpectrumAnalyzer analyzer(kernel());
   for (const std::int32_t length : {128, 512, 1024}) {
