@@ -8,6 +8,7 @@
 #include <string>
 
 #include "companion/failure.h"
+#include "wave/pcm_samples.h"
 
 namespace av::companion {
 namespace {
@@ -124,7 +125,9 @@ std::vector<double> numbersOfObject(IDispatch* object) {
   if (!object) throw noArray();
   const ComPtr<IDispatch> held = object;  // its methods may let go of it
   const auto length = numberNamed(*object, L"length");
-  if (!length || !(*length >= 0)) throw noArray();
+  if (!length || !(*length >= 0) || *length != std::floor(*length)) throw noArray();
+  // Each element costs two calls: what cannot fit is refused before them and not after minutes.
+  if (*length > wave::mostBlockBytes) throw badArgument(L"a block holds at most 2 GB.");
   std::vector<double> numbers;
   for (std::size_t index = 0; static_cast<double>(index) < *length; ++index) {
     const auto number = numberNamed(*object, std::to_wstring(index));

@@ -236,6 +236,15 @@ TEST_F(AudioBlock, RefusesWhatIsNoArray) {
     expectRefused(method, Value(&noList), wanted);
     MemberList negative({{L"length", -1}});
     expectRefused(method, Value(&negative), wanted);
+    MemberList fraction({{L"length", 0.5}, {L"0", 3}});
+    expectRefused(method, Value(&fraction), wanted);
+  }
+}
+
+TEST_F(AudioBlock, RefusesLengthsOfMoreThanABlockHoldsBeforeItReadsAnElement) {
+  for (const double length : {2147483648.0, 1e300, std::numeric_limits<double>::infinity()}) {
+    MemberList list({{L"length", length}});  // an element that is asked for would be no number
+    expectRefused(L"SetSamples", Value(&list), L"a block holds at most 2 GB.");
   }
 }
 
