@@ -42,10 +42,15 @@ struct SampleLoopsBody {
 
   static std::size_t mix(const std::uint8_t* samples, std::size_t frames, double* mean) noexcept {
     const std::size_t end = whole(frames);
+#pragma GCC unroll 4  // few operations beside those of the loop itself
     for (std::size_t i = 0; i < end; i += 4) {
-      const auto first = four(samples, 2 * i);
-      const auto second = four(samples, 2 * i + 4);
-      Words::template storeMean<bytes != 4>(mean + i, Words::even(first, second), Words::odd(first, second));
+      if constexpr (form == SampleForm::signed16) {
+        Words::storeHalf(mean + i, Words::pairSums(samples + 2 * i * bytes));
+      } else {
+        const auto first = four(samples, 2 * i);
+        const auto second = four(samples, 2 * i + 4);
+        Words::template storeMean<bytes != 4>(mean + i, Words::even(first, second), Words::odd(first, second));
+      }
     }
     return end;
   }

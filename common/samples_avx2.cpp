@@ -26,17 +26,31 @@ struct Words {
   static __m128i even(__m128i a, __m128i b) noexcept { return shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   static __m128i odd(__m128i a, __m128i b) noexcept { return shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
+  /// The sums of four pairs of samples of 16 bits.
+  static __m128i pairSums(const std::uint8_t* at) noexcept {
+    return _mm_madd_epi16(_mm_loadu_si128(static_cast<const __m128i*>(address(at))), _mm_set1_epi16(1));
+  }
+
   static void store(double* to, __m128i words) noexcept { _mm256_storeu_pd(to, _mm256_cvtepi32_pd(words)); }
+
+  /// Halves of sums.
+  static void storeHalf(double* to, __m128i sums) noexcept { storeHalf(to, _mm256_cvtepi32_pd(sums)); }
 
   /// `fits`: whether the sums of two samples do so in 32 bits.
   template <bool fits>
   static void storeMean(double* to, __m128i a, __m128i b) noexcept {
-    const __m256d sum =
-        fits ? _mm256_cvtepi32_pd(_mm_add_epi32(a, b)) : _mm256_add_pd(_mm256_cvtepi32_pd(a), _mm256_cvtepi32_pd(b));
-    _mm256_storeu_pd(to, _mm256_mul_pd(sum, _mm256_set1_pd(0.5)));
+    if constexpr (fits) {
+      storeHalf(to, _mm_add_epi32(a, b));
+    } else {
+      storeHalf(to, _mm256_add_pd(_mm256_cvtepi32_pd(a), _mm256_cvtepi32_pd(b)));
+    }
   }
 
  private:
+  static void storeHalf(double* to, __m256d sums) noexcept {
+    _mm256_storeu_pd(to, _mm256_mul_pd(sums, _mm256_set1_pd(0.5)));
+  }
+
   static const void* address(const std::uint8_t* at) noexcept { return at; }
 
   template <int order>

@@ -37,9 +37,21 @@ struct Words {
   static __m128i even(__m128i a, __m128i b) noexcept { return shuffled<_MM_SHUFFLE(2, 0, 2, 0)>(a, b); }
   static __m128i odd(__m128i a, __m128i b) noexcept { return shuffled<_MM_SHUFFLE(3, 1, 3, 1)>(a, b); }
 
+  /// The sums of four pairs of samples of 16 bits.
+  static __m128i pairSums(const std::uint8_t* at) noexcept {
+    return _mm_madd_epi16(_mm_loadu_si128(static_cast<const __m128i*>(address(at))), _mm_set1_epi16(1));
+  }
+
   static void store(double* to, __m128i words) noexcept {
     _mm_storeu_pd(to, _mm_cvtepi32_pd(words));
     _mm_storeu_pd(to + 2, _mm_cvtepi32_pd(upper(words)));
+  }
+
+  /// Halves of sums.
+  static void storeHalf(double* to, __m128i sums) noexcept {
+    const __m128d half = _mm_set1_pd(0.5);
+    _mm_storeu_pd(to, _mm_mul_pd(_mm_cvtepi32_pd(sums), half));
+    _mm_storeu_pd(to + 2, _mm_mul_pd(_mm_cvtepi32_pd(upper(sums)), half));
   }
 
   /// `fits`: whether the sums of two samples do so in 32 bits.
@@ -51,6 +63,8 @@ struct Words {
   }
 
  private:
+  static const void* address(const std::uint8_t* at) noexcept { return at; }
+
   static __m128i upper(__m128i words) noexcept { return _mm_unpackhi_epi64(words, words); }
 
   template <bool fits>
