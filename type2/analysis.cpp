@@ -43,7 +43,7 @@ auto MeterAnalysis::accept(const AudioBlock& block, MeterSettings& settings, std
 
 void MeterAnalysis::analyse(const AudioBlock& block, const MeterSettings& settings, std::size_t length,
                             std::uint32_t nowMs) noexcept {
-  const std::span<double, Transform::bufferLength> buffer(*m_buffer);
+  const std::span<double, Transform::bufferLength> buffer(m_buffer->data(), Transform::bufferLength);
   const std::span<double> values = buffer.first(length);
   const int bits = block.format.wBitsPerSample;
   if (isMeteredDepth(bits)) mixToMono(block, EightBitRule::signedAsStored, values);

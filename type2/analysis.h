@@ -53,7 +53,8 @@ class MeterAnalysis {
 
  private:
   using Transform = dsp::Radix4Hartley;
-  using Buffer = std::array<double, Transform::bufferLength>;
+  /// Begins with a cache line, so that no vector lies across two.
+  struct alignas(64) Buffer : std::array<double, Transform::bufferLength> {};
 
   void analyse(const AudioBlock& block, const MeterSettings& settings, std::size_t length,
                std::uint32_t nowMs) noexcept;

@@ -1,6 +1,7 @@
 #include "type2/band_fold.h"
 
 #include <algorithm>
+#include <cassert>
 #include <cstddef>
 #include <limits>
 
@@ -19,14 +20,12 @@ class Fold {
 
   void linear() const {
     const double step = lastBin() / lineCount();
-    const int width = static_cast<int>(step);
-    for (int i = 0; i < lines(); ++i) write(i, meanUpward(static_cast<int>(i * step + 1.0), width));
+    forEachMeanUpward(lines(), step, [this](int i, double mean) { write(i, mean); });
   }
 
   void linearMirrored() const {
     const double step = 2.0 * lastBin() / (lineCount() + 1.0);
-    const int width = static_cast<int>(step);
-    for (int i = 0; i < half(); ++i) writeBothSides(i, meanUpward(static_cast<int>(step * i + 1.0), width));
+    forEachMeanUpward(half(), step, [this](int i, double mean) { writeBothSides(i, mean); });
   }
 
   void logarithmic() const {
@@ -52,17 +51,30 @@ class Fold {
   double lastBin() const noexcept { return m_lastBin; }
   double level(int bin) const noexcept { return m_levels[static_cast<std::size_t>(std::min(bin, m_lastBin))]; }
 
-  /// Mean of `count` bins from `first` upward; no number for a count of 0.
-  double meanUpward(int first, int count) const noexcept {
-    double sum = 0.0;
-    if (first + count <= m_lastBin) {
-      const std::span<const double> bins =
-          m_levels.subspan(static_cast<std::size_t>(first), static_cast<std::size_t>(count));
-      for (const double bin : bins) sum += bin;
-    } else {
-      for (int i = 0; i < count; ++i) sum += level(first + i);
+  /// Calls `use(i, mean)` for the bands i from 0 to `count` − 1: each has ⌊`step`⌋ bins from bin ⌊i·`step` + 1⌋ upward.
+  /// The mean of no bins is no number. The last band ends at bin ⌊`count`·`step`⌋ at most, which is no bin above M.
+  template <class Use>
+  void forEachMeanUpward(int count, double step, Use use) const noexcept {
+    constexpr int most = 128;
+    int firsts[most];
+    double means[most];
+    const int width = static_cast<int>(step);
+    for (int done = 0; done < count; done += most) {
+      const int some = std::min(count - done, most);
+      // One loop after the other: the compiler makes vectors of the first and the third one.
+      for (int i = 0; i < some; ++i) firsts[i] = static_cast<int>((done + i) * step + 1.0);
+      for (int i = 0; i < some; ++i) means[i] = sumUpward(firsts[i], width);
+      for (int i = 0; i < some; ++i) means[i] /= width;
+      for (int i = 0; i < some; ++i) use(done + i, means[i]);
     }
-    return sum / count;
+  }
+
+  double sumUpward(int first, int count) const noexcept {
+    assert(first + count <= m_lastBin + 1 || count == 0);
+    const double* const bins = m_levels.data() + first;
+    double sum = 0.0;
+    for (int i = 0; i < count; ++i) sum += bins[i];
+    return sum;
   }
 
   /// The mean of the bins from r^(i−1) to r^i, counted downward from one bin above: the shift belongs to the layout.
