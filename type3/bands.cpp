@@ -1,7 +1,6 @@
 #include "type3/bands.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace av::type3 {
 namespace {
@@ -28,13 +27,22 @@ BandAxis bandAxis(const AnalyserSettings& settings, std::int32_t fftLength, std:
 }
 
 void foldBands(std::span<double> bands, const BandAxis& axis, std::span<const BinRange> plan,
-               std::span<const double> power, double fullScale) noexcept {
+               std::span<const double> power, double fullScale, const ColumnKernel& kernel) noexcept {
   const auto binCount = static_cast<std::size_t>(std::max(axis.binCount(), 0));
   const std::span<const double> bins = power.first(std::min(power.size(), binCount));
-  for (std::size_t band = 0; band < std::min(bands.size(), plan.size()); ++band) {
-    const double sum = sumOf(bins, plan[band], axis.logarithmic);
-    const auto mean = static_cast<float>(sum / plan[band].count);
-    bands[band] = static_cast<double>(std::sqrt(mean)) / fullScale;
+  const std::size_t count = std::min(bands.size(), plan.size());
+  ColumnValues values;
+  ColumnValues widths;
+  for (std::size_t first = 0; first < count; first += values.size()) {
+    const std::size_t some = std::min(count - first, values.size());
+    for (std::size_t i = 0; i < some; ++i) {
+      values[i] = sumOf(bins, plan[first + i], axis.logarithmic);
+      widths[i] = plan[first + i].count;
+    }
+    std::fill(values.begin() + static_cast<std::ptrdiff_t>(some), values.end(), 0.0);
+    std::fill(widths.begin() + static_cast<std::ptrdiff_t>(some), widths.end(), 1.0);
+    kernel.amplitudes(values.data(), widths.data(), some, fullScale);
+    std::copy_n(values.begin(), some, bands.begin() + static_cast<std::ptrdiff_t>(first));
   }
   if (axis.mirrored) mirrorBands(bands);
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "type3/column_kernel.h"
 #include "type3/settings.h"
 
 #include <cstddef>
@@ -48,7 +49,8 @@ void planBands(std::vector<BinRange>& bands, const BandAxis& axis);
 /// and root are rounded to single precision. A band without bins is no number. `power` has the axis's bins, `plan` is
 /// that of planBands(), `bands` has one element a column.
 void foldBands(std::span<double> bands, const BandAxis& axis, std::span<const BinRange> plan,
-               std::span<const double> power, double fullScale) noexcept;
+               std::span<const double> power, double fullScale,
+               const ColumnKernel& kernel = *columnKernels().front()) noexcept;
 
 /// Spreads bands 0 to (columns + 1)/2 − 1 to both sides: the lowest into the centre (once, where the number of columns is
 /// odd), the highest to both edges.

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "common/line_list.h"
+#include "type3/column_kernel.h"
 #include "type3/settings.h"
 
 #include <cstdint>
@@ -14,7 +15,8 @@ namespace av::type3 {
 /// The level is 20·log10(2·band ÷ `fftLength`) dB, argument and logarithm rounded to single precision, and lies linearly
 /// between −`ScaleYMax` at the foot and −`ScaleYMin` at the top, in whole dB. A band that is not above zero, or no number,
 /// lies at the foot. With `AlignmentY` columns have half the height. 0 where `ScaleYMin` is not below `ScaleYMax`.
-int columnHeightPx(double band, const AnalyserSettings& settings, std::int32_t fftLength, int areaHeightPx) noexcept;
+int columnHeightPx(double band, const AnalyserSettings& settings, std::int32_t fftLength, int areaHeightPx,
+                   const ColumnKernel& kernel = *columnKernels().front()) noexcept;
 
 /// Writes the heights of all bands into their columns; see writeLine. [under the line lock]
 void writeColumnHeights(std::span<LineInfo> columns, std::span<const double> bands, const AnalyserSettings& settings,

@@ -22,11 +22,14 @@ bool isAnalysed(const AudioBlock& block) noexcept {
 }
 
 double mixDown(const AudioBlock& block, std::span<double> mono) noexcept {
-  std::ranges::fill(mono, 0.0);
   const int bits = block.format.wBitsPerSample;
-  if (!isDecodedDepth(bits)) return 0.0;
+  if (!isDecodedDepth(bits)) {
+    std::ranges::fill(mono, 0.0);
+    return 0.0;
+  }
   const std::int64_t frames = std::max<std::int64_t>(block.sampleBytes, 0) / frameBytes(block.format);
   const std::size_t taken = std::min(mono.size(), static_cast<std::size_t>(frames));
+  std::ranges::fill(mono.subspan(taken), 0.0);
   if (bits == 24) {
     std::ranges::fill(mono.first(taken), static_cast<double>(frames));
   } else {

@@ -24,7 +24,8 @@ BLOCK_PATH = """
     simd/decibels simd/usable
     type1/analysis type1/channel_slots type1/smoothing
     type2/analysis type2/band_fold
-    type3/analysis type3/bands type3/column_heights type3/fall_off type3/mixdown
+    type3/analysis type3/bands type3/column_heights type3/column_kernel type3/columns_avx2 type3/columns_avx512
+    type3/columns_sse2 type3/fall_off type3/mixdown
 """.split()
 
 # Windows, factors, lengths and scales; the correlation of the X-Y views belongs to their pictures.
