@@ -20,4 +20,9 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
   list(APPEND ordered -fira-loop-pressure -mtune=skylake)
   set_source_files_properties(dsp/fft_avx2.cpp PROPERTIES COMPILE_OPTIONS "${avx2};${ordered}")
   set_source_files_properties(dsp/fft_avx512.cpp PROPERTIES COMPILE_OPTIONS "${avx512};${ordered}")
+  # Levels are chains of operations that wait for each other, a few side by side: these belong in turn, not one after the
+  # other, or the processor's own schedulers are full of waiting ones. 32 bits have too few registers for that.
+  if(CMAKE_SIZEOF_VOID_P EQUAL 8)
+    set_property(SOURCE dsp/levels_avx2.cpp dsp/levels_avx512.cpp APPEND PROPERTY COMPILE_OPTIONS -fschedule-insns)
+  endif()
 endif()

@@ -13,13 +13,11 @@ struct LevelScale {
   double floorDb;  ///< what lower levels become, and those that are no number; −∞ leaves all of them as they are
 };
 
-/// Logarithms and levels from Hartley transforms, for one kind of vector registers. All kernels give the same bits.
+/// Levels from Hartley transforms, for one kind of vector registers. All kernels give the same bits.
 struct LevelKernel {
   const char* name;
   /// Writes the levels of the bins 1 to length/2 − 1 over the transform's elements, of `length` ones.
   void (*levels)(double* hartley, std::size_t length, const LevelScale& scale) noexcept;
-  /// Writes 10·log10 of `count` values over them; see decibels().
-  void (*decibels)(double* values, std::size_t count) noexcept;
 };
 
 extern const LevelKernel sse2LevelKernel;

@@ -2,6 +2,7 @@
 
 #include "dsp/centred_windows.h"
 #include "dsp/hartley.h"
+#include "simd/decibels.h"
 #include "support/hartley_oracle.h"
 #include "support/special_signals.h"
 
@@ -132,6 +133,26 @@ TEST(Levels, HaveTheSameBitsWithEachKernel) {
           hartleyBinsToLevels(actual, 32767.0, floorDb, *kernel);
           ASSERT_EQ(av::test::difference(actual, expected), "") << kernel->name << ", " << signal.name << ", N = " << n;
         }
+      }
+    }
+  }
+}
+
+TEST(Levels, OfEveryLengthHaveTheBitsOfThePlainOperations) {
+  for (std::size_t n = 0; n <= 300; ++n) {
+    const auto hartley = av::test::noise(n, 30000, static_cast<std::uint32_t>(n));
+    const auto size = static_cast<double>(n);
+    const double gain = 2.0 / (size * size) / (32767.0 * 32767.0);
+    for (const double floorDb : {-60.0, -std::numeric_limits<double>::infinity()}) {
+      auto expected = hartley;
+      for (std::size_t k = 1; k < n / 2; ++k) {
+        const double squares = hartley[k] * hartley[k] + hartley[n - k] * hartley[n - k];
+        expected[k] = squares == 0.0 ? std::max(-200.0, floorDb) : std::max(av::decibels(squares * gain), floorDb);
+      }
+      for (const av::dsp::LevelKernel* kernel : av::dsp::levelKernels()) {
+        auto actual = hartley;
+        hartleyBinsToLevels(actual, 32767.0, floorDb, *kernel);
+        ASSERT_EQ(av::test::difference(actual, expected), "") << kernel->name << ", N = " << n << ", " << floorDb;
       }
     }
   }
