@@ -57,7 +57,7 @@ class EachColumnKernel : public testing::TestWithParam<const ColumnKernel*> {
   double anything() {
     switch (m_random() % 4) {
       case 0: return std::bit_cast<double>(m_random());
-      case 1: return edges[m_random() % edges.size()];
+      case 1: return edges[static_cast<std::size_t>(m_random() % edges.size())];
       case 2:
         return std::bit_cast<double>((m_random() & 0x3ff0000000000000) | (m_random() & 0x000fffffe0000000) |
                                      0x10000000);
