@@ -43,12 +43,13 @@ bool comesNear(Size picture, std::span<const Point> points, int widthPx) noexcep
          bottom.y + width >= 0;
 }
 
-/// What lines a pixel wide are cut to: the picture and its longer side around it, so that no line which ends anywhere near
-/// the picture is changed. An X-Y view of samples far beyond full scale, as a short block of a smaller depth leaves them,
-/// has lines of millions of pixels, whose whole length Wine draws: 37 s for 1,024 of them.
+/// What lines a pixel wide are cut to: the picture and sixteen times its longer side around it. The new end is rounded to
+/// a pixel so far away that the line in the picture keeps its place, and scales that show a fraction of full scale have no
+/// line cut at all. An X-Y view of samples far beyond full scale, as a short block of a smaller depth leaves them, has
+/// lines of millions of pixels, whose whole length Wine draws: 37 s for 1,024 of them.
 Rect reachOfLines(Size picture) noexcept {
-  const int side = std::max(picture.widthPx, picture.heightPx);
-  return {-side, -side, picture.widthPx + side, picture.heightPx + side};
+  const int reach = 16 * std::max(picture.widthPx, picture.heightPx);
+  return {-reach, -reach, picture.widthPx + reach, picture.heightPx + reach};
 }
 
 }  // namespace
