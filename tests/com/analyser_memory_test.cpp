@@ -5,27 +5,15 @@
 #include "host/first_exception.h"
 #include "host/message_pump.h"
 #include "host/process_threads.h"
-#include "support/win/import_probe.h"
+#include "host/scarce_memory.h"
 
-#include <atomic>
-#include <cstdlib>
-#include <functional>
-#include <memory>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
 
 namespace av::test {
 namespace {
-
-std::atomic<long> allocationsLeft{-1};  ///< negative: any number
-std::atomic<long> allocationsRefused{0};
-
-void* mallocUntilNoneIsLeft(std::size_t bytes) {
-  if (allocationsLeft >= 0 && allocationsLeft-- <= 0) {
-    allocationsLeft = 0;
-    ++allocationsRefused;
-    return nullptr;
-  }
-  return std::malloc(bytes);
-}
 
 /// The library takes its memory from the test, as long as that lets it. Threads of the analyser's own take none.
 class AnalyserMemory : public AnalyserTest {
@@ -33,29 +21,14 @@ class AnalyserMemory : public AnalyserTest {
   void SetUp() override {
     ASSERT_NO_FATAL_FAILURE(AnalyserTest::SetUp());
     meetAnException(m_analyser.Get());
-    m_malloc = std::make_unique<ImportReplacement>(m_library.module(), "malloc",
-                                                   reinterpret_cast<void*>(&mallocUntilNoneIsLeft));
-    ASSERT_NE(nullptr, m_malloc->original()) << "the library gets its memory elsewhere";
+    m_memory.emplace(m_library.module());
   }
   void TearDown() override {
-    allocationsLeft = -1;
+    ScarceMemory::isEnough();
     EXPECT_EQ(0u, m_container.close());
     m_analyser.Reset();
-    m_malloc.reset();
+    m_memory.reset();
     AnalyserTest::TearDown();
-  }
-
-  /// Runs `call` with memory for 0, 1, 2, ... allocations until none is refused any more. Returns how many it took.
-  static long withLessAndLessRefused(const std::function<void()>& call) {
-    for (long allocations = 0;; ++allocations) {
-      allocationsRefused = 0;
-      allocationsLeft = allocations;
-      call();
-      allocationsLeft = -1;
-      if (allocationsRefused == 0) return allocations;
-      if (allocations > 1000) ADD_FAILURE() << "it never has enough";
-      if (testing::Test::HasFailure()) return allocations;
-    }
   }
 
   int litPixels() const {
@@ -65,15 +38,15 @@ class AnalyserMemory : public AnalyserTest {
     return count;
   }
 
-  std::unique_ptr<ImportReplacement> m_malloc;
+  std::optional<ScarceMemory> m_memory;
 };
 
 TEST_F(AnalyserMemory, EndsAnAnalyserThatCannotBeMadeAndLeavesNothing) {
   const int threads = threadsOfThisProcess();
-  const long took = withLessAndLessRefused([&] {
+  const long took = ScarceMemory::withLessAndLessRefused([&] {
     ComPtr<IAudioVisualization4Type3> analyser;
     const HRESULT made = m_library.create(CLSID_CAudioVisualization4Type3, analyser.GetAddressOf());
-    allocationsLeft = -1;
+    ScarceMemory::isEnough();
     EXPECT_EQ(SUCCEEDED(made), analyser != nullptr);
     EXPECT_TRUE(made == S_OK || made == E_OUTOFMEMORY) << std::hex << made;
     analyser.Reset();
@@ -88,7 +61,7 @@ TEST_F(AnalyserMemory, RefusesPutsOrDoesWithout) {
   long took = 0;
   for (const NumberRow& row : analyserRows) {
     for (const LONG value : {row.otherValue, row.defaultValue}) {
-      took += withLessAndLessRefused([&] {
+      took += ScarceMemory::withLessAndLessRefused([&] {
         const Value put(row.type, value);
         VARIANT argument = put;
         const HRESULT result = invoke(row.dispId, DISPATCH_PROPERTYPUT, &argument, 1);
@@ -103,20 +76,33 @@ TEST_F(AnalyserMemory, RefusesPutsOrDoesWithout) {
 }
 
 TEST_F(AnalyserMemory, ALengthOrACountThatDoesNotFitChangesNothing) {
-  allocationsLeft = 0;
+  ScarceMemory::lastsFor(0);
   EXPECT_EQ(E_OUTOFMEMORY, m_analyser->put_FFTLength(4096));
   EXPECT_EQ(E_OUTOFMEMORY, m_analyser->put_LineCount(200));
-  allocationsLeft = -1;
+  ScarceMemory::isEnough();
   EXPECT_EQ(512, getLong(10));
   EXPECT_EQ(60, getLong(23));
 }
 
+TEST_F(AnalyserMemory, NeitherDoLengthsThatTheMachineHasNoMemoryFor) {
+  ASSERT_NO_FATAL_FAILURE(activate({300, 200}));
+  ASSERT_EQ(S_OK, send(noiseBlock()));
+  for (const std::size_t megabytes : {0, 1, 16}) {
+    ScarceMemory::hasNothingAbove(megabytes << 20);
+    for (const LONG length : {1 << 22, 1 << 26, 1 << 30}) EXPECT_EQ(E_OUTOFMEMORY, m_analyser->put_FFTLength(length));
+    ScarceMemory::isEnough();
+    EXPECT_EQ(512, getLong(10));
+  }
+  ASSERT_EQ(S_OK, send(noiseBlock()));
+  EXPECT_LT(1000, litPixels());
+}
+
 TEST_F(AnalyserMemory, RefusalsGoWithoutATextThen) {
-  allocationsLeft = 0;
+  ScarceMemory::lastsFor(0);
   EXPECT_EQ(E_INVALIDARG, m_analyser->put_MidPoint(101));
   EXPECT_EQ(E_INVALIDARG, m_analyser->put_FFTLength(3));
   EXPECT_TRUE(FAILED(m_analyser->put_BackColor(0x800000FF)));
-  allocationsLeft = -1;
+  ScarceMemory::isEnough();
 }
 
 TEST_F(AnalyserMemory, ShowsBlocksOrDropsThem) {
@@ -125,7 +111,7 @@ TEST_F(AnalyserMemory, ShowsBlocksOrDropsThem) {
   const auto block = avhost::audioFrames(analyserMono16, samples.data(), 1024);
   for (int i = 0; i < 3; ++i) {
     ASSERT_EQ(S_OK, m_analyser->put_XScaleType(i % 2));
-    withLessAndLessRefused([&] {
+    ScarceMemory::withLessAndLessRefused([&] {
       EXPECT_EQ(S_OK, m_analyser->SendAudioData(block.get()));
       EXPECT_EQ(S_OK, m_analyser->SendAudioData(nullptr));
       EXPECT_EQ(S_OK, m_analyser->Repaint());
@@ -140,7 +126,7 @@ TEST_F(AnalyserMemory, PaintsAgainWhenThereIsSome) {
   ASSERT_NO_FATAL_FAILURE(activate({300, 200}));
   ASSERT_EQ(S_OK, send(noiseBlock()));
   long size = 300;
-  withLessAndLessRefused([&] {
+  ScarceMemory::withLessAndLessRefused([&] {
     ASSERT_EQ(S_OK, m_container.resize({++size, 200}));  // surface and layout anew
     m_analyser->put_ViewType(size % 4);
     EXPECT_EQ(S_OK, m_analyser->Repaint());

@@ -4,28 +4,13 @@
 #include "host/message_pump.h"
 #include "host/meter_test.h"
 #include "host/process_threads.h"
-#include "support/win/import_probe.h"
+#include "host/scarce_memory.h"
 
-#include <atomic>
-#include <cstdlib>
-#include <functional>
-#include <memory>
+#include <optional>
 #include <vector>
 
 namespace av::test {
 namespace {
-
-std::atomic<long> allocationsLeft{-1};  ///< negative: any number
-std::atomic<long> allocationsRefused{0};
-
-void* mallocUntilNoneIsLeft(std::size_t bytes) {
-  if (allocationsLeft >= 0 && allocationsLeft-- <= 0) {
-    allocationsLeft = 0;
-    ++allocationsRefused;
-    return nullptr;
-  }
-  return std::malloc(bytes);
-}
 
 /// The library takes its memory from the test, as long as that lets it. Threads of the meter's own take none.
 class MeterMemory : public MeterTest {
@@ -35,47 +20,31 @@ class MeterMemory : public MeterTest {
     meetAnException(m_meter.Get());
     EXPECT_EQ(S_OK, m_meter->SendAudioData(nullptr));
     avhost::pumpMessages(200);  // the worker that the block has started ends
-    m_malloc = std::make_unique<ImportReplacement>(m_library.module(), "malloc",
-                                                   reinterpret_cast<void*>(&mallocUntilNoneIsLeft));
-    ASSERT_NE(nullptr, m_malloc->original()) << "the library gets its memory elsewhere";
+    m_memory.emplace(m_library.module());
   }
   void TearDown() override {
-    allocationsLeft = -1;
+    ScarceMemory::isEnough();
     m_meter.Reset();
-    m_malloc.reset();
+    m_memory.reset();
     MeterTest::TearDown();
   }
 
-  /// Runs `call` with memory for 0, 1, 2, ... allocations until none is refused any more. Returns how many it took.
-  static long withLessAndLessRefused(const std::function<void()>& call) {
-    for (long allocations = 0;; ++allocations) {
-      allocationsRefused = 0;
-      allocationsLeft = allocations;
-      call();
-      allocationsLeft = -1;
-      if (allocationsRefused == 0) return allocations;
-      if (allocations > 1000) ADD_FAILURE() << "it never has enough";
-      if (testing::Test::HasFailure()) return allocations;
-    }
-  }
-
-  std::unique_ptr<ImportReplacement> m_malloc;
+  std::optional<ScarceMemory> m_memory;
 };
 
 TEST_F(MeterMemory, IsWhatTheTestSaysItIs) {
-  allocationsRefused = 0;
-  allocationsLeft = 0;
+  ScarceMemory::lastsFor(0);
   IAudioVisualization4Type2* none = nullptr;
   EXPECT_EQ(E_OUTOFMEMORY, m_library.create(CLSID_CAudioVisualization4Type2, &none));
-  EXPECT_LT(0, allocationsRefused);
+  EXPECT_LT(0, ScarceMemory::refusals());
 }
 
 TEST_F(MeterMemory, EndsAMeterThatCannotBeMadeAndLeavesNothing) {
   const int threads = threadsOfThisProcess();
-  const long took = withLessAndLessRefused([&] {
+  const long took = ScarceMemory::withLessAndLessRefused([&] {
     ComPtr<IAudioVisualization4Type2> meter;
     const HRESULT made = m_library.create(CLSID_CAudioVisualization4Type2, meter.GetAddressOf());
-    allocationsLeft = -1;
+    ScarceMemory::isEnough();
     EXPECT_EQ(SUCCEEDED(made), meter != nullptr);
     EXPECT_TRUE(made == S_OK || made == E_OUTOFMEMORY) << std::hex << made;
     meter.Reset();
@@ -92,7 +61,7 @@ TEST_F(MeterMemory, RefusesPutsOrDoesWithout) {
   long took = 0;
   for (const NumberRow& row : meterRows) {
     for (const LONG value : {row.otherValue, row.defaultValue}) {
-      took += withLessAndLessRefused([&] {
+      took += ScarceMemory::withLessAndLessRefused([&] {
         const Value put(row.type, value);
         VARIANT argument = put;
         const HRESULT result = invoke(row.dispId, DISPATCH_PROPERTYPUT, &argument, 1);
@@ -108,9 +77,9 @@ TEST_F(MeterMemory, RefusesPutsOrDoesWithout) {
 }
 
 TEST_F(MeterMemory, ALineCountThatDoesNotFitChangesNothing) {
-  allocationsLeft = 0;
+  ScarceMemory::lastsFor(0);
   EXPECT_EQ(E_OUTOFMEMORY, m_meter->put_LineCount(48000));
-  allocationsLeft = -1;
+  ScarceMemory::isEnough();
   EXPECT_EQ(100, lineCount());
 }
 
@@ -119,7 +88,7 @@ TEST_F(MeterMemory, ShowsBlocksOrDropsThem) {
   const std::vector<std::int16_t> samples = noise(1024);
   const auto block = avhost::audioFrames(meterFormat, samples.data(), 2048);
   for (int i = 0; i < 3; ++i)
-    withLessAndLessRefused([&] {
+    ScarceMemory::withLessAndLessRefused([&] {
       EXPECT_EQ(S_OK, m_meter->SendAudioData(block.get()));
       EXPECT_EQ(S_OK, m_meter->SendAudioData(nullptr));
       EXPECT_EQ(S_OK, m_meter->Repaint());
@@ -134,7 +103,7 @@ TEST_F(MeterMemory, PaintsAgainWhenThereIsSome) {
   ASSERT_NO_FATAL_FAILURE(activate({300, 200}));
   ASSERT_EQ(S_OK, sendNoise(m_meter.Get()));
   long size = 300;
-  withLessAndLessRefused([&] {
+  ScarceMemory::withLessAndLessRefused([&] {
     ASSERT_EQ(S_OK, m_container.resize({++size, 200}));  // surface and layout anew
     ASSERT_EQ(S_OK, m_meter->put_LineType(size % 6));
     EXPECT_EQ(S_OK, m_meter->Repaint());

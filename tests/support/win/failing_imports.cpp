@@ -2,6 +2,7 @@
 
 #include "gfx/win/gdiplus_flat.h"
 
+#include <malloc.h>
 #include <olectl.h>
 
 #include <algorithm>
@@ -9,6 +10,7 @@
 #include <cstdlib>
 #include <iterator>
 #include <mutex>
+#include <utility>
 
 namespace av::test {
 namespace {
@@ -126,6 +128,10 @@ AV_STAND_IN(Gdiplus, GdiplusStartup, Gdiplus::OutOfMemory);
 
 void* mallocOrNull(std::size_t bytes) { return isToFail() ? nullptr : std::malloc(bytes); }
 
+void* alignedMallocOrNull(std::size_t bytes, std::size_t alignment) {
+  return isToFail() ? nullptr : _aligned_malloc(bytes, alignment);
+}
+
 template <class Tag>
 std::unique_ptr<ImportReplacement> replaced(HMODULE module) {
   using Type = typename Tag::Type;
@@ -144,9 +150,12 @@ void replace(HMODULE module, std::vector<std::unique_ptr<ImportReplacement>>& re
 
 FailingImports::FailingImports(HMODULE module, Kind kind) {
   if (kind == Kind::memory) {
-    m_replacements.push_back(
-        std::make_unique<ImportReplacement>(module, "malloc", reinterpret_cast<void*>(&mallocOrNull)));
-    if (!m_replacements.back()->original()) m_replacements.clear();
+    for (const auto& [name, replacement] :
+         {std::pair("malloc", reinterpret_cast<void*>(&mallocOrNull)),
+          std::pair("_aligned_malloc", reinterpret_cast<void*>(&alignedMallocOrNull))}) {
+      m_replacements.push_back(std::make_unique<ImportReplacement>(module, name, replacement));
+      if (!m_replacements.back()->original()) m_replacements.pop_back();
+    }
     return;
   }
   replace<SelectObjectTag, CreateCompatibleDCTag, CreateDIBSectionTag, CreateFontIndirectWTag, CreatePenTag,

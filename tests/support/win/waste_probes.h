@@ -16,7 +16,7 @@ inline const std::vector<std::string> allocators = {
     "_wcsdup",          "HeapAlloc",      "HeapReAlloc",       "HeapCreate",
     "LocalAlloc",       "GlobalAlloc",    "VirtualAlloc",      "CoTaskMemAlloc",
     "CoTaskMemRealloc", "SysAllocString", "SysAllocStringLen", "SysAllocStringByteLen",
-    "??2@YAPAXI@Z",     "??2@YAPEAX_K@Z"};
+    "??2@YAPAXI@Z",     "??2@YAPEAX_K@Z", "_aligned_malloc",   "_aligned_realloc"};
 
 /// Imports that make something, with those that end it.
 struct MakersAndEnders {
