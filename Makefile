@@ -85,7 +85,8 @@ bench:
 	@tools/bootstrap.sh build bench
 	@tools/build bench core_bench
 	@tools/bench --write
-	@tools/build x64 control_bench
+	@tools/build x64 clock_bench control_bench
+	@tools/bench --windows --write
 	@tools/bench-controls --write
 
 fuzz:
