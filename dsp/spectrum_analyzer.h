@@ -24,7 +24,7 @@ class CSpectrumAnalyzer {
 
   /// Makes everything anew for blocks of `length` samples. Not checked: lengths that are no power of two, or below 4, are
   /// taken here and **end the process in ComputePowerSpectrum**. Negative lengths count as 0.
-  /// Throws std::bad_alloc, with nothing changed.
+  /// Throws std::bad_alloc, or std::length_error where no vector can be so long, with nothing changed.
   void SetLength(std::int32_t length);
 
   std::uint32_t windowType() const noexcept { return m_windowType; }

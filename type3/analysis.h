@@ -27,8 +27,8 @@ class AnalyserAnalysis {
   /// The window, its parameter and the transform's length as hosts read them.
   const dsp::CSpectrumAnalyzer& transform() const noexcept { return m_transform; }
 
-  /// `length`: see isFftLength; others must not come here. The bands stay as they are. Throws std::bad_alloc, with nothing
-  /// changed.
+  /// `length`: see isFftLength; others must not come here. The bands stay as they are. Throws std::bad_alloc, or
+  /// std::length_error where no vector can be so long, with nothing changed.
   void setFftLength(std::int32_t length);
 
   /// False, with nothing changed, for a window outside 0 to 10.

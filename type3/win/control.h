@@ -13,6 +13,7 @@
 
 #include <cstdint>
 #include <new>
+#include <stdexcept>
 #include <string>
 
 namespace av::type3 {
@@ -177,6 +178,8 @@ HRESULT CAudioVisualization4Type3::change(Effects effects, Store&& store) {
     carryOut(effects);
   } catch (const std::bad_alloc&) {
     return E_OUTOFMEMORY;
+  } catch (const std::length_error&) {
+    return E_OUTOFMEMORY;  // a vector's word for lengths that no 32-bit process could have memory for
   }
   return S_OK;
 }
