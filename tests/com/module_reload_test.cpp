@@ -1,8 +1,8 @@
 // Hosts that load and unload the DLL for each use pay nothing that lasts.
 
 #include "host/dll_test.h"
+#include "host/first_exception.h"
 #include "support/win/resource_probes.h"
-#include "support/win/scripted_audio_data.h"
 
 #include <cstdlib>
 #include <functional>
@@ -39,21 +39,6 @@ struct Kept {
 void PrintTo(const Kept& kept, std::ostream* out) {
   *out << kept.spareSlots << " slots to spare, " << kept.kernelHandles << " handles, ";
   PrintTo(kept.heap, out);
-}
-
-/// A block whose first method fails: an exception inside the DLL, which the late-bound door turns into a result.
-void sendFailingBlock(IDispatch* control) {
-  support::AudioDataScript script;
-  script.offersFrameData = true;
-  script.failingCall = 0;
-  support::ScriptedAudioData data(script);
-  VARIANT argument;
-  V_VT(&argument) = VT_UNKNOWN;
-  V_UNKNOWN(&argument) = &data;
-  DISPPARAMS arguments{&argument, nullptr, 1, 0};
-  EXPECT_EQ(DISP_E_EXCEPTION,
-            control->Invoke(0xaae62, IID_NULL, LOCALE_NEUTRAL, DISPATCH_METHOD, &arguments, nullptr, nullptr, nullptr));
-  EXPECT_EQ(0, data.references());
 }
 
 class ModuleReload : public testing::Test {
@@ -94,7 +79,7 @@ TEST_F(ModuleReload, AnExceptionInsideTheDllKeepsNothing) {
   expectNothingIsKept([](avhost::ControlLibrary& library) {
     ComPtr<IDispatch> view;
     ASSERT_EQ(S_OK, library.create(CLSID_CAudioVisualization4Type1, view.GetAddressOf()));
-    sendFailingBlock(view.Get());
+    meetAnException(view.Get());
   });
 }
 
@@ -114,7 +99,7 @@ class AudioThread {
  private:
   static DWORD WINAPI main(void* argument) {
     const auto* const self = static_cast<AudioThread*>(argument);
-    sendFailingBlock(self->m_control);
+    meetAnException(self->m_control);
     SetEvent(self->m_sent);
     WaitForSingleObject(self->m_end, INFINITE);
     return 0;

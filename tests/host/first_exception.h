@@ -25,6 +25,7 @@ inline void meetAnException(IDispatch* control) {
   DISPPARAMS parameters{&argument, nullptr, 1, 0};
   EXPECT_EQ(DISP_E_EXCEPTION, control->Invoke(sendAudioDataId, IID_NULL, LOCALE_USER_DEFAULT, DISPATCH_METHOD,
                                               &parameters, nullptr, nullptr, nullptr));
+  EXPECT_EQ(0, data.references());
 }
 
 }  // namespace av::test
